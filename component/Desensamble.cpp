@@ -1,0 +1,7 @@
+#include "component/Produccion.h"
+
+namespace zuvi {
+
+void Produccion::Desensamble(const QString &, double, qint32, qint32) {}
+
+} // namespace zuvi

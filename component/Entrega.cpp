@@ -1,0 +1,7 @@
+#include "component/Produccion.h"
+
+namespace zuvi {
+
+void Produccion::EntregaProductoTerminado(qint32) {}
+
+} // namespace zuvi

@@ -1,0 +1,40 @@
+#include "component/Produccion.h"
+
+#include "component/Modulo.h"
+#include "runtime/Error.h"
+
+namespace zuvi {
+
+Produccion::Produccion(QObject *owner) : QObject(owner) {}
+
+Produccion::~Produccion() = default;
+
+zuvi::Ambiente *Produccion::Ambiente() const { return m_ambiente.data(); }
+
+void Produccion::SetAmbiente(zuvi::Ambiente *ambiente) { m_ambiente = ambiente; }
+
+QObject *Produccion::Parent() const { return m_parent.data(); }
+
+void Produccion::SetParent(QObject *parent) { m_parent = parent; }
+
+QObject *Produccion::AmbienteObjeto() const { return m_ambiente.data(); }
+
+void Produccion::SetAmbienteObjeto(QObject *ambiente)
+{
+    m_ambiente = qobject_cast<zuvi::Ambiente *>(ambiente);
+}
+
+bool ReportaError(const QString &modulo, const QString &procedimiento, const QString &descripcion)
+{
+    showErrorReport(modulo, procedimiento, descripcion);
+    return true;
+}
+
+// The order editor and the shift windows come later; until then these end
+// silently, as every method of the class does on an error.
+void Produccion::NuevaOp() {}
+void Produccion::ModificaOp(qint32) {}
+void Produccion::ConsultaOp(qint32) {}
+void Produccion::MuestraTurnos() {}
+
+} // namespace zuvi

@@ -1,0 +1,45 @@
+#pragma once
+
+// The one seam through which every interactive host service passes: message
+// boxes, questions and progress. The desktop shell installs dialogs, the
+// command line installs the terminal, tests install a scripted one.
+
+#include <QString>
+
+#include <memory>
+
+namespace zuvi::anfitrion {
+
+class IndicadorProgreso
+{
+public:
+    virtual ~IndicadorProgreso() = default;
+    virtual void inicia(int total, const QString &titulo, const QString &animacion) = 0;
+    virtual void avanza(int paso, const QString &linea1, const QString &linea2) = 0;
+    virtual void cierra() = 0;
+};
+
+class Interaccion
+{
+public:
+    virtual ~Interaccion() = default;
+    // estilo: 16 error, 64 information (the module's styles).
+    virtual void mensaje(const QString &texto, int estilo) = 0;
+    // A yes/no question; true only for a yes.
+    virtual bool pregunta(const QString &texto) = 0;
+    virtual std::unique_ptr<IndicadorProgreso> progreso() = 0;
+};
+
+// The seam in force. Until something is installed: the terminal, answering
+// no to every question.
+Interaccion &interaccion();
+void ponInteraccion(std::shared_ptr<Interaccion> nueva);
+
+// Terminal: messages to standard error, questions on the terminal (yes only
+// when typed, or always with siATodo; with no terminal the answer is no),
+// progress as a bar on standard error.
+std::shared_ptr<Interaccion> interaccionTerminal(bool siATodo);
+// Desktop shell: message boxes, Yes/No dialogs, a progress dialog.
+std::shared_ptr<Interaccion> interaccionVentanas(bool siATodo);
+
+} // namespace zuvi::anfitrion

@@ -1,0 +1,7 @@
+#!/usr/bin/env bash
+# Configures and builds into build/ (or $ZUVI_BUILD_DIR).
+set -euo pipefail
+raiz=$(cd "$(dirname "$0")/.." && pwd)
+build=${ZUVI_BUILD_DIR:-$raiz/build}
+cmake -S "$raiz" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$build" -j"$(nproc)"

@@ -1,0 +1,37 @@
+#!/usr/bin/env bash
+# Installs the Debian packages the project builds, runs and tests with.
+# Idempotent: installs only what is missing. Works as root or through sudo.
+set -euo pipefail
+
+PAQUETES=(
+    build-essential cmake ninja-build pkg-config clang-format
+    qt6-base-dev qt6-base-dev-tools libgl-dev
+    libqt6sql6-sqlite libqt6sql6-mysql
+    mariadb-server mariadb-client
+    libsqlite3-dev libbenchmark-dev
+    xvfb xauth
+)
+
+faltan=()
+for p in "${PAQUETES[@]}"; do
+    if ! dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q 'install ok installed'; then
+        faltan+=("$p")
+    fi
+done
+[ ${#faltan[@]} -eq 0 ] && exit 0
+
+if [ "$(id -u)" -eq 0 ]; then
+    como=()
+elif command -v sudo >/dev/null 2>&1; then
+    como=(sudo)
+else
+    echo "Faltan paquetes (${faltan[*]}) y no hay permisos para instalarlos: ejecute como root o instale sudo." >&2
+    exit 1
+fi
+
+echo "Instalando: ${faltan[*]}" >&2
+export DEBIAN_FRONTEND=noninteractive
+"${como[@]}" apt-get update -qq
+# The server package must not start a system-wide service: the tests start
+# their own private server on loopback.
+"${como[@]}" apt-get install -y -qq --no-install-recommends "${faltan[@]}"

@@ -9,15 +9,30 @@ Produccion::Produccion(QObject *owner) : QObject(owner) {}
 
 Produccion::~Produccion() = default;
 
-zuvi::Ambiente *Produccion::Ambiente() const { return m_ambiente.data(); }
+zuvi::Ambiente *Produccion::Ambiente() const
+{
+    return m_ambiente.data();
+}
 
-void Produccion::SetAmbiente(zuvi::Ambiente *ambiente) { m_ambiente = ambiente; }
+void Produccion::SetAmbiente(zuvi::Ambiente *ambiente)
+{
+    m_ambiente = ambiente;
+}
 
-QObject *Produccion::Parent() const { return m_parent.data(); }
+QObject *Produccion::Parent() const
+{
+    return m_parent.data();
+}
 
-void Produccion::SetParent(QObject *parent) { m_parent = parent; }
+void Produccion::SetParent(QObject *parent)
+{
+    m_parent = parent;
+}
 
-QObject *Produccion::AmbienteObjeto() const { return m_ambiente.data(); }
+QObject *Produccion::AmbienteObjeto() const
+{
+    return m_ambiente.data();
+}
 
 void Produccion::SetAmbienteObjeto(QObject *ambiente)
 {

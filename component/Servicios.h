@@ -58,7 +58,8 @@ public:
     virtual void Tipo(const QString &tipo) = 0; // "INSERT" or "UPDATE"
     // The value's own type is kept (qint32, qint16, double, QString, QDate);
     // a QObject* stands for its default text.
-    virtual void AgregaCampo(const QString &tabla, const QString &columna, const QVariant &valor) = 0;
+    virtual void AgregaCampo(const QString &tabla, const QString &columna,
+                             const QVariant &valor) = 0;
     virtual void Condicion(const QString &condicion) = 0;
     // Builds the statement and returns its text (with the values in place).
     virtual QString Genera(const QString &tabla) = 0;
@@ -108,16 +109,16 @@ public:
 // The eleven in/out arguments of IniciaProceso, one field per position.
 struct ArgumentosProceso
 {
-    QString proceso;                // (1) the process key
-    QPointer<QObject> objeto;       // (2) on whose behalf; the host may replace it
-    QPointer<Ambiente> ambiente;    // (3)
-    QVariant valor = QString(""); // (4) a tagged value holding the empty text
-    QPointer<QObject> referencia;   // (5) empty
-    VBool bandera = VTrue;          // (6) the veto flag, true before the call
-    qint32 numero = 0;              // (7)
-    QString texto = QString("");    // (8) the empty text
-    QString textoNulo;              // (9) a null text
-    QString textoFinal = QString(""); // (10) the empty text
+    QString proceso;                   // (1) the process key
+    QPointer<QObject> objeto;          // (2) on whose behalf; the host may replace it
+    QPointer<Ambiente> ambiente;       // (3)
+    QVariant valor = QString("");      // (4) a tagged value holding the empty text
+    QPointer<QObject> referencia;      // (5) empty
+    VBool bandera = VTrue;             // (6) the veto flag, true before the call
+    qint32 numero = 0;                 // (7)
+    QString texto = QString("");       // (8) the empty text
+    QString textoNulo;                 // (9) a null text
+    QString textoFinal = QString("");  // (10) the empty text
     QPointer<QObject> referenciaFinal; // (11) empty
 };
 

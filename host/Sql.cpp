@@ -80,7 +80,10 @@ void ponTraza(const QString &archivo)
                         .arg(archivo, t.file.errorString()));
 }
 
-QString archivoTraza() { return estado().archivo; }
+QString archivoTraza()
+{
+    return estado().archivo;
+}
 
 void traza(const QString &sentencia)
 {

@@ -38,8 +38,8 @@ public:
         if (T *typed = qobject_cast<T *>(object))
             return typed;
         delete object;
-        throw Error(QStringLiteral("La clase \"%1\" no ofrece la interfaz que se esperaba.")
-                        .arg(name));
+        throw Error(
+            QStringLiteral("La clase \"%1\" no ofrece la interfaz que se esperaba.").arg(name));
     }
 
 private:

@@ -22,7 +22,10 @@ QString classKey(const QString &classId)
     return QStringLiteral("CLSID/") + id;
 }
 
-QString nameKey(const QString &progId) { return QStringLiteral("ProgID/") + progId.trimmed(); }
+QString nameKey(const QString &progId)
+{
+    return QStringLiteral("ProgID/") + progId.trimmed();
+}
 
 bool looksLikeClassId(const QString &s)
 {
@@ -74,8 +77,8 @@ QString libraryFor(const QString &progIdOrClassId, const QString &file)
     if (looksLikeClassId(progIdOrClassId))
         clsid = classKey(progIdOrClassId);
     else {
-        const QString id = settings.value(nameKey(progIdOrClassId) + QStringLiteral("/CLSID"))
-                               .toString();
+        const QString id =
+            settings.value(nameKey(progIdOrClassId) + QStringLiteral("/CLSID")).toString();
         if (id.isEmpty())
             return QString();
         clsid = classKey(id);

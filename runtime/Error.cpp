@@ -68,7 +68,10 @@ void defaultSink(const QString &title, const QString &text)
 
 } // namespace
 
-void setReportSink(ReportSink s) { sink() = std::move(s); }
+void setReportSink(ReportSink s)
+{
+    sink() = std::move(s);
+}
 
 void showErrorReport(const QString &module, const QString &procedure, const QString &description)
 {

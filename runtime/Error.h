@@ -44,8 +44,7 @@ ZUVI_RUNTIME_EXPORT void showErrorReport(const QString &module, const QString &p
 // Error traps. Every procedure is a boundary: nothing escapes into the caller's
 // event loop. reportErrors() shows the report with the procedure's module and
 // name, swallowErrors() ends silently. Both return false when an error ended f.
-template <typename F>
-bool reportErrors(const QString &module, const QString &procedure, F &&f)
+template <typename F> bool reportErrors(const QString &module, const QString &procedure, F &&f)
 {
     try {
         std::forward<F>(f)();

@@ -45,9 +45,15 @@ void Recordset::moveNext()
     ++m_position;
 }
 
-bool Recordset::hasField(const QString &name) const { return indexOf(name) >= 0; }
+bool Recordset::hasField(const QString &name) const
+{
+    return indexOf(name) >= 0;
+}
 
-int Recordset::indexOf(const QString &name) const { return m_index.value(name.toLower(), -1); }
+int Recordset::indexOf(const QString &name) const
+{
+    return m_index.value(name.toLower(), -1);
+}
 
 int Recordset::requireIndex(const QString &name) const
 {
@@ -81,10 +87,22 @@ QVariant Recordset::value(const QString &name) const
     return currentRow().at(i);
 }
 
-QString Recordset::text(const QString &name) const { return variantToText(value(name)); }
-QString Recordset::text(int ordinal) const { return variantToText(value(ordinal)); }
-double Recordset::number(const QString &name) const { return variantToDouble(value(name)); }
-double Recordset::number(int ordinal) const { return variantToDouble(value(ordinal)); }
+QString Recordset::text(const QString &name) const
+{
+    return variantToText(value(name));
+}
+QString Recordset::text(int ordinal) const
+{
+    return variantToText(value(ordinal));
+}
+double Recordset::number(const QString &name) const
+{
+    return variantToDouble(value(name));
+}
+double Recordset::number(int ordinal) const
+{
+    return variantToDouble(value(ordinal));
+}
 
 double variantToDouble(const QVariant &v)
 {

@@ -10,8 +10,14 @@ using VBool = qint16;
 inline constexpr VBool VTrue = -1;
 inline constexpr VBool VFalse = 0;
 
-constexpr VBool toVBool(bool b) { return b ? VTrue : VFalse; }
+constexpr VBool toVBool(bool b)
+{
+    return b ? VTrue : VFalse;
+}
 // Any non-zero value counts as true, as hosts written in other languages send 1.
-constexpr bool fromVBool(VBool v) { return v != 0; }
+constexpr bool fromVBool(VBool v)
+{
+    return v != 0;
+}
 
 } // namespace zuvi

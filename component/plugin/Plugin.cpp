@@ -14,7 +14,8 @@ QObject *ProduccionPlugin::createInstance(const QString &nameOrClassId)
                         name.compare(QLatin1String(ZUVI_CLASS_NAME), Qt::CaseInsensitive) == 0;
     QString id = name;
     id.remove(QLatin1Char('{')).remove(QLatin1Char('}'));
-    const bool byId = id.compare(QString::fromLatin1(ZUVI_CLASS_ID).mid(1, 36), Qt::CaseInsensitive) == 0;
+    const bool byId =
+        id.compare(QString::fromLatin1(ZUVI_CLASS_ID).mid(1, 36), Qt::CaseInsensitive) == 0;
     if (byName || byId)
         return new Produccion;
     return nullptr;
@@ -45,8 +46,9 @@ int ZuviRegistraServidor(const char *registryFile)
     const QString path = thisLibraryPath();
     if (path.isEmpty())
         return 1;
-    return zuvi::components::registerClass(QStringLiteral(ZUVI_PROG_ID), QStringLiteral(ZUVI_CLASS_ID),
-                                           path, fileOrDefault(registryFile))
+    return zuvi::components::registerClass(QStringLiteral(ZUVI_PROG_ID),
+                                           QStringLiteral(ZUVI_CLASS_ID), path,
+                                           fileOrDefault(registryFile))
                ? 0
                : 1;
 }

@@ -1,0 +1,64 @@
+#pragma once
+
+// A scripted interaction seam for tests: records every message, question and
+// progress call, and answers questions from a queue the test fills (no when
+// the queue is empty). instala() puts a fresh one in force and returns it;
+// it stays in force until something else is installed.
+
+#include "host/Interaccion.h"
+
+#include <QList>
+#include <QQueue>
+#include <QString>
+#include <QStringList>
+
+#include <memory>
+
+namespace zuvi::pruebas {
+
+class InteraccionGuionada : public zuvi::anfitrion::Interaccion
+{
+public:
+    struct MensajeVisto
+    {
+        QString texto;
+        int estilo = 0;
+    };
+
+    // One progress call: "inicia", "avanza" or "cierra", with its values.
+    struct LlamadaProgreso
+    {
+        QString operacion;
+        int numero = 0; // total for inicia, step for avanza
+        QString texto1; // caption for inicia, first line for avanza
+        QString texto2; // animation for inicia, second line for avanza
+    };
+
+    void mensaje(const QString &texto, int estilo) override;
+    bool pregunta(const QString &texto) override;
+    std::unique_ptr<zuvi::anfitrion::IndicadorProgreso> progreso() override;
+
+    // Answers for the coming questions, in order.
+    void respuestas(std::initializer_list<bool> lista);
+    void agregaRespuesta(bool si) { m_respuestas.enqueue(si); }
+    int respuestasPendientes() const { return int(m_respuestas.size()); }
+
+    const QList<MensajeVisto> &mensajes() const { return m_mensajes; }
+    QStringList textosMensajes() const;
+    const QStringList &preguntas() const { return m_preguntas; }
+    const QList<LlamadaProgreso> &llamadasProgreso() const { return m_progreso; }
+
+    void olvida(); // forgets what was recorded and the pending answers
+
+    // Installs a fresh scripted seam and returns it.
+    static std::shared_ptr<InteraccionGuionada> instala();
+
+private:
+    friend class ProgresoGuionado;
+    QList<MensajeVisto> m_mensajes;
+    QStringList m_preguntas;
+    QQueue<bool> m_respuestas;
+    QList<LlamadaProgreso> m_progreso;
+};
+
+} // namespace zuvi::pruebas

@@ -1,7 +1,84 @@
+#include "component/Lote.h"
+#include "component/Modulo.h"
 #include "component/Produccion.h"
 
 namespace zuvi {
 
-void Produccion::Ensamble(const QString &, qint32, qint32, qint32) {}
+void Produccion::Ensamble(const QString &Articulo, qint32 nAlmacen, qint32 nCantidad, qint32 nOp)
+{
+    reportErrors(QStringLiteral("Produccion"), QStringLiteral("Ensamble"), [&] {
+        zuvi::Ambiente *ambiente = modulo::requiere(m_ambiente);
+        const QSqlDatabase conexion = ambiente->Conexion();
+        AccesoDatos *datos = modulo::accesoDatos();
+
+        // Two blanks before the quote: the text is the one the host has always seen.
+        RecordsetPtr partes = lote::consulta(
+            datos, QStringLiteral("SELECT * FROM comppart WHERE articulo =  '") + Articulo + "'",
+            conexion);
+        RecordsetPtr receta = lote::consulta(
+            datos, QStringLiteral("SELECT * FROM componen WHERE articulo =  '") + Articulo + "'",
+            conexion);
+        if (partes->atEnd())
+            return;
+
+        lote::EstadoLote *estado = lote::EstadoLote::de(this);
+        QPointer<QObject> objeto = estado->documento();
+        const VBool bandera = lote::iniciaProceso(QStringLiteral("OPAUTO002"), objeto, ambiente);
+        estado->adopta(objeto);
+        if (!lote::consultaProceso(bandera))
+            return;
+        DocumentoInventario *doc = estado->documento();
+
+        doc->PonAmbiente(ambiente);
+        doc->PonDatoDocumento(ambiente->DatoDocumento());
+        doc->PonTipo(QStringLiteral("S"));
+        qint32 dato = ambiente->DatoFechaA();
+        const qint32 datoB = ambiente->DatoFechaB();
+        doc->PonFecha(datos->ComponeFecha(dato, datoB));
+        if (nOp != 0) {
+            doc->PonOrden(nOp);
+            doc->PonConcepto(QStringLiteral("OP"));
+        } else {
+            // The numbering may leave a document number in dato; it becomes the folio.
+            dato = 0;
+            const qint32 orden =
+                datos->SiguienteFolio(QStringLiteral("ENSAMBLE"), conexion, dato, nullptr);
+            doc->PonOrden(orden);
+            doc->PonConcepto(QStringLiteral("EN"));
+        }
+        doc->PonUsuario(ambiente->UsuarioActual());
+        doc->PonDatoFecha(dato);
+        doc->PonFolio(QString::number(dato));
+
+        double total = 0.0;
+        while (!partes->atEnd()) {
+            const QString componente = partes->text(QStringLiteral("Componente"));
+            RecordsetPtr prod =
+                lote::consulta(datos,
+                               QStringLiteral("SELECT kit, costo FROM prods WHERE articulo = '") +
+                                   componente + "'",
+                               conexion);
+            doc->PonAlmacen(lote::numero(partes->value(QStringLiteral("Almacen"))));
+            doc->PonArticulo(componente);
+            // Per batch, divided by what one batch yields, times the kits wanted.
+            doc->PonCantidad(lote::divide(lote::numero(partes->value(QStringLiteral("Cantidad"))),
+                                          lote::numero(receta->value(QStringLiteral("Minimo")))) *
+                             double(nCantidad));
+            doc->PonCosto(lote::numero(prod->value(QStringLiteral("costo"))));
+            qint32 numero = 0;
+            total += doc->AplicaMovimiento(numero);
+            partes->moveNext();
+        }
+
+        doc->PonConcepto(nOp != 0 ? QStringLiteral("OP") : QStringLiteral("DE"));
+        doc->PonTipo(QStringLiteral("E"));
+        doc->PonAlmacen(double(nAlmacen));
+        doc->PonArticulo(Articulo);
+        doc->PonCantidad(double(nCantidad));
+        doc->PonCosto(total);
+        qint32 numero = 0;
+        doc->AplicaMovimiento(numero);
+    });
+}
 
 } // namespace zuvi

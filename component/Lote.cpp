@@ -1,0 +1,129 @@
+#include "component/Lote.h"
+
+#include "component/Modulo.h"
+#include "runtime/Error.h"
+
+#include <cmath>
+#include <limits>
+
+namespace zuvi::lote {
+
+EstadoLote *EstadoLote::de(QObject *componente)
+{
+    if (auto *estado = componente->findChild<EstadoLote *>(QString(), Qt::FindDirectChildrenOnly))
+        return estado;
+    return new EstadoLote(componente);
+}
+
+DocumentoInventario *EstadoLote::documento()
+{
+    if (!m_documento) {
+        DocumentoInventario *nuevo =
+            modulo::crea<DocumentoInventario>(QStringLiteral("DocumentoInventario"));
+        if (!nuevo->parent())
+            nuevo->setParent(this);
+        m_documento = nuevo;
+    }
+    return m_documento.data();
+}
+
+void EstadoLote::adopta(QObject *objeto)
+{
+    if (!objeto)
+        throw Error(QStringLiteral(
+            "El proceso no devolvió el documento de inventario: la variable de objeto no "
+            "está establecida."));
+    auto *documento = qobject_cast<DocumentoInventario *>(objeto);
+    if (!documento)
+        throw Error(QStringLiteral("El proceso devolvió un objeto de la clase \"%1\" en lugar "
+                                   "del documento de inventario.")
+                        .arg(QString::fromLatin1(objeto->metaObject()->className())));
+    m_documento = documento;
+}
+
+VBool iniciaProceso(const QString &clave, QPointer<QObject> &objeto, Ambiente *ambiente)
+{
+    ArgumentosProceso argumentos;
+    argumentos.proceso = clave;
+    argumentos.objeto = objeto;
+    argumentos.ambiente = ambiente;
+    argumentos.bandera = VTrue;
+    modulo::controlProcesos()->IniciaProceso(argumentos);
+    objeto = argumentos.objeto;
+    return argumentos.bandera;
+}
+
+bool consultaProceso(VBool bandera)
+{
+    ControlProcesos *procesos = modulo::controlProcesos();
+    procesos->ConsultaProceso(bandera);
+    if (fromVBool(bandera)) {
+        procesos->CierraProceso(0);
+        return false;
+    }
+    return true;
+}
+
+RecordsetPtr consulta(AccesoDatos *datos, const QString &sql, const QSqlDatabase &conexion)
+{
+    RecordsetPtr rs = datos->Consulta(sql, conexion, VTrue);
+    if (!rs)
+        throw Error(
+            QStringLiteral("La consulta no devolvió un conjunto de registros: %1").arg(sql));
+    return rs;
+}
+
+double numero(const QVariant &valor)
+{
+    if (!valor.isValid() || valor.isNull())
+        throw Error(QStringLiteral("Uso no válido de Null."));
+    switch (valor.typeId()) {
+    case QMetaType::Bool:
+        return valor.toBool() ? -1.0 : 0.0;
+    case QMetaType::QString:
+    case QMetaType::QByteArray: {
+        bool ok = false;
+        const double d = valor.toString().trimmed().toDouble(&ok);
+        if (!ok)
+            throw Error(QStringLiteral("No coinciden los tipos: \"%1\" no es un número.")
+                            .arg(valor.toString()));
+        return d;
+    }
+    default: {
+        bool ok = false;
+        const double d = valor.toDouble(&ok);
+        if (!ok)
+            throw Error(QStringLiteral("No coinciden los tipos: el valor no es un número."));
+        return d;
+    }
+    }
+}
+
+qint32 entero32(double valor)
+{
+    // nearbyint rounds half to even under the default rounding mode.
+    const double r = std::nearbyint(valor);
+    if (!std::isfinite(r) || r < double(std::numeric_limits<qint32>::min()) ||
+        r > double(std::numeric_limits<qint32>::max()))
+        throw Error(QStringLiteral("Desbordamiento: %1 no cabe en un entero de 32 bits.")
+                        .arg(valor, 0, 'g', 17));
+    return qint32(r);
+}
+
+bool verdadero(const QVariant &valor)
+{
+    if (!valor.isValid() || valor.isNull())
+        return false;
+    if (valor.typeId() == QMetaType::Bool)
+        return valor.toBool();
+    return numero(valor) != 0.0;
+}
+
+double divide(double a, double b)
+{
+    if (b == 0.0)
+        throw Error(QStringLiteral("División por cero."));
+    return a / b;
+}
+
+} // namespace zuvi::lote

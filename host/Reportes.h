@@ -1,0 +1,20 @@
+#pragma once
+
+// The host's printed reports, written as PDF files.
+
+#include <QSqlDatabase>
+#include <QString>
+
+namespace zuvi::anfitrion {
+
+// Writes the production order report (the op header and its oppart lines,
+// with article descriptions) to the PDF file archivo. Throws Error when the
+// order does not exist or the file cannot be written.
+void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &archivo);
+
+// The folder reports go to: the one set with ponCarpetaReportes, otherwise
+// the user's documents folder when it exists, otherwise the data folder.
+QString carpetaReportes();
+void ponCarpetaReportes(const QString &carpeta); // empty returns to the default
+
+} // namespace zuvi::anfitrion

@@ -1,0 +1,211 @@
+#include "host/Esquema.h"
+
+#include "host/Sql.h"
+
+#include <QRegularExpression>
+
+namespace zuvi::anfitrion {
+
+namespace {
+
+// Column types are written once with two markers that each engine spells its
+// own way: "@ID" an auto-numbered key, "@T(n)" a text of up to n characters.
+// Text compares without regard to case on both engines, as the module's
+// lookups expect (MariaDB's default collation does so already).
+struct Tabla
+{
+    const char *nombre;
+    const char *columnas;
+};
+
+const Tabla kTablas[] = {
+    // Orders and their lines.
+    {"op", "op INT NOT NULL PRIMARY KEY,"
+           " estado @T(2) NOT NULL DEFAULT 'PE',"
+           " ocupado SMALLINT NOT NULL DEFAULT 0,"
+           " usuario @T(30) DEFAULT '',"
+           " usufecha DATE,"
+           " usuhora @T(8) DEFAULT '',"
+           " f_emision DATE,"
+           " fechaEntrega DATE,"
+           " importe DOUBLE DEFAULT 0,"
+           " costo DOUBLE DEFAULT 0,"
+           " almacen INT DEFAULT 0,"
+           " observ TEXT,"
+           " automatico SMALLINT DEFAULT 0,"
+           " ordencompra DOUBLE DEFAULT 0,"
+           " cerrado SMALLINT NOT NULL DEFAULT 0,"
+           " Tipo_doc @T(10) DEFAULT ''"},
+    {"oppart", "id_entrada INT NOT NULL PRIMARY KEY,"
+               " op INT NOT NULL,"
+               " tipo_doc @T(10) DEFAULT '',"
+               " no_referen INT DEFAULT 0,"
+               " articulo @T(30) NOT NULL,"
+               " cantidad DOUBLE DEFAULT 0,"
+               " precio DOUBLE DEFAULT 0,"
+               " impuesto DOUBLE DEFAULT 0,"
+               " observ TEXT,"
+               " partida SMALLINT DEFAULT 0,"
+               " terminado DOUBLE DEFAULT 0,"
+               " usuario @T(30) DEFAULT '',"
+               " usufecha DATE,"
+               " usuhora @T(8) DEFAULT ''"},
+    // Catalogues other modules of the suite own.
+    {"prods", "articulo @T(30) NOT NULL PRIMARY KEY,"
+              " descrip @T(100) DEFAULT '',"
+              " unidad @T(10) DEFAULT '',"
+              " costo_u DOUBLE DEFAULT 0,"
+              " ubicacion @T(30) DEFAULT '',"
+              " kit SMALLINT NOT NULL DEFAULT 0,"
+              " costo DOUBLE DEFAULT 0,"
+              " precio DOUBLE DEFAULT 0"},
+    {"clavesadd", "clave @T(30) NOT NULL PRIMARY KEY,"
+                  " Articulo @T(30) NOT NULL,"
+                  " Dato1 @T(60) DEFAULT '',"
+                  " Dato2 @T(60) DEFAULT '',"
+                  " unidad @T(10) DEFAULT ''"},
+    {"monedas", "moneda @T(10) NOT NULL PRIMARY KEY,"
+                " nombre @T(40) DEFAULT '',"
+                " Tc DOUBLE NOT NULL DEFAULT 1,"
+                " Base SMALLINT NOT NULL DEFAULT 0"},
+    {"vends", "vend @T(10) NOT NULL PRIMARY KEY,"
+              " Nombre @T(60) DEFAULT ''"},
+    {"almacen", "almacen INT NOT NULL PRIMARY KEY,"
+                " nombre @T(60) DEFAULT ''"},
+    // Kit recipes: one header per kit, one line per component.
+    {"componen", "articulo @T(30) NOT NULL PRIMARY KEY,"
+                 " Minimo DOUBLE NOT NULL DEFAULT 1"},
+    {"comppart", "id @ID,"
+                 " articulo @T(30) NOT NULL,"
+                 " Componente @T(30) NOT NULL,"
+                 " Cantidad DOUBLE NOT NULL DEFAULT 0,"
+                 " Almacen INT NOT NULL DEFAULT 1"},
+    // Shifts and schedules.
+    {"turnos", "turno @T(40) NOT NULL PRIMARY KEY,"
+               " entrada @T(5) DEFAULT '',"
+               " comida @T(5) DEFAULT '',"
+               " salida @T(5) DEFAULT '',"
+               " descanso @T(10) DEFAULT '',"
+               " regcomida @T(5) DEFAULT ''"},
+    {"turnoempleado", "turno @T(40) NOT NULL,"
+                      " empleado @T(20) NOT NULL,"
+                      " PRIMARY KEY (turno, empleado)"},
+    {"horarios", "id @ID,"
+                 " turno @T(40) NOT NULL,"
+                 " fecha DATE NOT NULL,"
+                 " Empleado @T(20) NOT NULL,"
+                 " HoraEntrada @T(5) DEFAULT '',"
+                 " comida @T(5) DEFAULT '',"
+                 " HoraSalida @T(5) DEFAULT ''"},
+    {"empleados", "empleado @T(20) NOT NULL PRIMARY KEY,"
+                  " nombre @T(60) DEFAULT ''"},
+    // The host's own tables.
+    {"mensajes", "numero INT NOT NULL PRIMARY KEY,"
+                 " texto @T(255) NOT NULL"},
+    {"folios", "clave @T(20) NOT NULL PRIMARY KEY,"
+               " ultimo INT NOT NULL DEFAULT 0"},
+    {"estaciones", "estacion @T(20) NOT NULL PRIMARY KEY,"
+                   " almacen INT NOT NULL DEFAULT 1,"
+                   " lector SMALLINT NOT NULL DEFAULT 0"},
+    {"movimientos", "id @ID,"
+                    " tipo @T(1) NOT NULL,"
+                    " concepto @T(4) DEFAULT '',"
+                    " orden INT DEFAULT 0,"
+                    " folio @T(20) DEFAULT '',"
+                    " usuario @T(30) DEFAULT '',"
+                    " fecha DATE,"
+                    " almacen INT NOT NULL DEFAULT 0,"
+                    " articulo @T(30) NOT NULL,"
+                    " cantidad DOUBLE NOT NULL DEFAULT 0,"
+                    " costo DOUBLE NOT NULL DEFAULT 0,"
+                    " importe DOUBLE NOT NULL DEFAULT 0"},
+    {"existencias", "articulo @T(30) NOT NULL,"
+                    " almacen INT NOT NULL,"
+                    " cantidad DOUBLE NOT NULL DEFAULT 0,"
+                    " PRIMARY KEY (articulo, almacen)"},
+    {"fracciones", "id @ID,"
+                   " codigo @T(40) NOT NULL,"
+                   " articulo @T(30) DEFAULT '',"
+                   " usuario @T(30) DEFAULT '',"
+                   " fecha DATE,"
+                   " hora @T(8) DEFAULT '',"
+                   " estacion @T(20) DEFAULT ''"},
+};
+
+const char *const kIndices[] = {
+    "CREATE INDEX IF NOT EXISTS oppart_op ON oppart (op)",
+    "CREATE INDEX IF NOT EXISTS comppart_articulo ON comppart (articulo)",
+    "CREATE INDEX IF NOT EXISTS clavesadd_articulo ON clavesadd (Articulo)",
+    "CREATE INDEX IF NOT EXISTS horarios_turno_fecha ON horarios (turno, fecha)",
+    "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
+};
+
+QString escribeTipos(QString columnas, Motor motor)
+{
+    const bool lite = motor == Motor::SQLite;
+    columnas.replace(QStringLiteral("@ID"),
+                     lite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")
+                          : QStringLiteral("INT NOT NULL AUTO_INCREMENT PRIMARY KEY"));
+    static const QRegularExpression texto(QStringLiteral("@T\\((\\d+)\\)"));
+    columnas.replace(texto, lite ? QStringLiteral("VARCHAR(\\1) COLLATE NOCASE")
+                                 : QStringLiteral("VARCHAR(\\1)"));
+    return columnas;
+}
+
+} // namespace
+
+QStringList sentenciasEsquema(Motor motor)
+{
+    QStringList sentencias;
+    const QString final = motor == Motor::MariaDB
+                              ? QStringLiteral(") ENGINE=InnoDB DEFAULT CHARSET=utf8mb4")
+                              : QStringLiteral(")");
+    for (const Tabla &t : kTablas)
+        sentencias << QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (%2%3")
+                          .arg(QLatin1String(t.nombre),
+                               escribeTipos(QLatin1String(t.columnas), motor), final);
+    for (const char *indice : kIndices)
+        sentencias << QLatin1String(indice);
+    return sentencias;
+}
+
+QStringList tablasEsquema()
+{
+    QStringList nombres;
+    for (const Tabla &t : kTablas)
+        nombres << QLatin1String(t.nombre);
+    return nombres;
+}
+
+void creaEsquema(const QSqlDatabase &db, Motor motor)
+{
+    for (const QString &sql : sentenciasEsquema(motor))
+        ejecuta(db, sql);
+}
+
+QString insertaSiFalta(Motor motor)
+{
+    return motor == Motor::SQLite ? QStringLiteral("INSERT OR IGNORE INTO")
+                                  : QStringLiteral("INSERT IGNORE INTO");
+}
+
+void insertaFilasBase(const QSqlDatabase &db, Motor motor)
+{
+    const QString inserta = insertaSiFalta(motor);
+    for (const auto &[numero, texto] : catalogoMensajes()) {
+        const QString sql = inserta + QStringLiteral(" mensajes (numero, texto) VALUES (?, ?)");
+        QString traza = sql;
+        traza.replace(traza.indexOf(QLatin1Char('?')), 1, QString::number(numero));
+        QString citado = texto;
+        citado.replace(QLatin1Char('\''), QStringLiteral("''"));
+        traza.replace(traza.indexOf(QLatin1Char('?')), 1,
+                      QLatin1Char('\'') + citado + QLatin1Char('\''));
+        ejecutaConValores(db, sql, {numero, texto}, traza);
+    }
+    // The station a fresh installation runs as: the first warehouse, no
+    // barcode reader.
+    ejecuta(db,
+            inserta + QStringLiteral(" estaciones (estacion, almacen, lector) VALUES ('1', 1, 0)"));
+}
+
+} // namespace zuvi::anfitrion

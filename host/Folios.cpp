@@ -1,0 +1,156 @@
+#include "host/Folios.h"
+
+#include "host/Sql.h"
+#include "runtime/Error.h"
+
+#include <QDeadlineTimer>
+#include <QRandomGenerator>
+#include <QSqlDriver>
+#include <QSqlQuery>
+#include <QThread>
+#include <QVariantList>
+
+#include <limits>
+
+namespace zuvi::anfitrion {
+
+namespace {
+
+// How long a station waits for another one's numbering before giving up.
+constexpr int kEsperaMaximaMs = 60000;
+
+// The statement as the trace shows it: each '?' replaced by its value.
+QString conValores(QString sql, const QVariantList &valores)
+{
+    for (const QVariant &v : valores) {
+        const int i = sql.indexOf(QLatin1Char('?'));
+        if (i < 0)
+            break;
+        const QString texto = v.typeId() == QMetaType::QString
+                                  ? QLatin1Char('\'') + v.toString() + QLatin1Char('\'')
+                                  : v.toString();
+        sql.replace(i, 1, texto);
+    }
+    return sql;
+}
+
+QSqlQuery corre(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
+{
+    return ejecutaConValores(db, sql, valores, conValores(sql, valores));
+}
+
+bool esMariaDB(const QSqlDatabase &db)
+{
+    const QString d = db.driverName();
+    return d == QLatin1String("QMYSQL") || d == QLatin1String("QMARIADB");
+}
+
+// SQLITE_BUSY and SQLITE_LOCKED, with their extended codes.
+bool estaOcupada(const Error &e)
+{
+    const int base = e.number() & 0xff;
+    return base == 5 || base == 6;
+}
+
+qint64 ultimoEnUso(const QSqlDatabase &db, const QString &clave)
+{
+    QString sql;
+    if (clave.compare(QLatin1String("Op"), Qt::CaseInsensitive) == 0)
+        sql = QStringLiteral("SELECT MAX(op) FROM op");
+    else if (clave.compare(QLatin1String("oppart"), Qt::CaseInsensitive) == 0)
+        sql = QStringLiteral("SELECT MAX(id_entrada) FROM oppart");
+    else
+        return 0;
+    QSqlQuery q = ejecuta(db, sql);
+    return q.next() ? q.value(0).toLongLong() : 0;
+}
+
+qint32 compruebaLimite(qint64 numero, const QString &clave)
+{
+    if (numero <= 0 || numero >= std::numeric_limits<qint32>::max())
+        throw Error(QStringLiteral("La numeración \"%1\" llegó a su límite (%2); no se pueden "
+                                   "asignar más números con esa clave.")
+                        .arg(clave)
+                        .arg(numero));
+    return qint32(numero);
+}
+
+qint32 folioMariaDB(const QSqlDatabase &db, const QString &clave)
+{
+    qint64 numero = 0;
+    QSqlQuery u = corre(
+        db, QStringLiteral("UPDATE folios SET ultimo = LAST_INSERT_ID(ultimo + 1) WHERE clave = ?"),
+        {clave});
+    if (u.numRowsAffected() < 1) {
+        // Two stations may both find the key missing: the second one's
+        // insert turns into the increment.
+        const qint64 inicial = ultimoEnUso(db, clave) + 1;
+        corre(db,
+              QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES (?, LAST_INSERT_ID(?))"
+                             " ON DUPLICATE KEY UPDATE ultimo = LAST_INSERT_ID(ultimo + 1)"),
+              {clave, inicial});
+    }
+    QSqlQuery q = ejecuta(db, QStringLiteral("SELECT LAST_INSERT_ID()"));
+    if (q.next())
+        numero = q.value(0).toLongLong();
+    return compruebaLimite(numero, clave);
+}
+
+qint64 incrementaSQLite(const QSqlDatabase &db, const QString &clave)
+{
+    {
+        QSqlQuery q =
+            corre(db, QStringLiteral("SELECT ultimo FROM folios WHERE clave = ?"), {clave});
+        if (q.next()) {
+            const qint64 numero = q.value(0).toLongLong() + 1;
+            q.finish();
+            compruebaLimite(numero, clave);
+            corre(db, QStringLiteral("UPDATE folios SET ultimo = ? WHERE clave = ?"),
+                  {numero, clave});
+            return numero;
+        }
+    }
+    const qint64 numero = ultimoEnUso(db, clave) + 1;
+    compruebaLimite(numero, clave);
+    corre(db, QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES (?, ?)"), {clave, numero});
+    return numero;
+}
+
+qint32 folioSQLite(const QSqlDatabase &db, const QString &clave)
+{
+    // The connection's busy timeout already waits inside each statement;
+    // this loop covers a lock that outlasts it.
+    QDeadlineTimer limite(kEsperaMaximaMs);
+    for (;;) {
+        try {
+            ejecuta(db, QStringLiteral("BEGIN IMMEDIATE"));
+        } catch (const Error &e) {
+            if (!estaOcupada(e) || limite.hasExpired())
+                throw;
+            QThread::msleep(2 + QRandomGenerator::global()->bounded(20));
+            continue;
+        }
+        try {
+            const qint64 numero = incrementaSQLite(db, clave);
+            ejecuta(db, QStringLiteral("COMMIT"));
+            return qint32(numero);
+        } catch (const Error &e) {
+            QSqlQuery(db).exec(QStringLiteral("ROLLBACK"));
+            if (!estaOcupada(e) || limite.hasExpired())
+                throw;
+        }
+    }
+}
+
+} // namespace
+
+qint32 siguienteFolio(const QSqlDatabase &db, const QString &clave)
+{
+    if (clave.trimmed().isEmpty())
+        throw Error(QStringLiteral("No se indicó la clave de la numeración."));
+    if (!db.isOpen())
+        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
+    return esMariaDB(db) ? folioMariaDB(db, clave) : folioSQLite(db, clave);
+}
+
+} // namespace zuvi::anfitrion

@@ -1,7 +1,18 @@
 #include "component/Produccion.h"
+#include "fractions/frmFracciones.h"
+
+#include "runtime/Error.h"
 
 namespace zuvi {
 
-void Produccion::MuestraCapturaDeFracciones() {}
+void Produccion::MuestraCapturaDeFracciones()
+{
+    // Ends silently on an error, as the class's methods do.
+    swallowErrors([this] {
+        auto *ventana = new frmFracciones;
+        ventana->Ambiente = m_ambiente;
+        ventana->muestra(false);
+    });
+}
 
 } // namespace zuvi

@@ -1,0 +1,129 @@
+#pragma once
+
+// The base of every window of the module. The opener sets the public members
+// and calls muestra(); Form_Load runs before the window is visible. Closing
+// from the title bar and from code go through one unload protocol
+// (Form_QueryUnload, then Form_Unload, either of which may cancel). Key events
+// reach the handlers with the numeric key codes of controls/Teclas.h; each
+// handler runs inside the error trap with the window's module name and its
+// own procedure name.
+
+#include "component/Export.h"
+#include "controls/ArregloControles.h"
+#include "runtime/Error.h"
+
+#include <QHash>
+#include <QPointer>
+#include <QWidget>
+
+#include <functional>
+
+class QKeyEvent;
+
+namespace zuvi {
+
+class ZUVI_PRODUCCION_EXPORT Ventana : public QWidget
+{
+    Q_OBJECT
+
+public:
+    // Unload modes handed to Form_QueryUnload.
+    static constexpr qint16 DesdeMenuControl = 0; // title bar or control menu
+    static constexpr qint16 DesdeCodigo = 1;
+
+    // Window states of WindowState().
+    static constexpr qint16 Normal = 0;
+    static constexpr qint16 Minimizada = 1;
+    static constexpr qint16 Maximizada = 2;
+
+    explicit Ventana(const QString &modulo, QWidget *parent = nullptr);
+    ~Ventana() override;
+
+    const QString &modulo() const { return m_modulo; }
+
+    // Runs Form_Load once, then shows the window, modeless or modal. A failing
+    // Form_Load propagates to the opener and the window is discarded unshown.
+    // A modal call returns when the window has been unloaded; the window is
+    // deleted right after, so the caller reads nothing from it afterwards.
+    void muestra(bool modal = false);
+
+    // Unloads from code (unload mode 1). False when a handler cancelled.
+    bool descarga();
+
+    bool cargada() const { return m_cargada; }
+    bool descargada() const { return m_descargada; }
+
+    qint16 WindowState() const;
+    void SetWindowState(qint16 estado);
+
+    // The window sees keys before its controls (Form_KeyDown, Form_KeyPress,
+    // Form_KeyUp run first, and a key code set to 0 there stops the key).
+    bool KeyPreview = false;
+
+    // Handlers for the keys of a control. KeyCode and KeyAscii are in/out:
+    // set to 0 they swallow the key; a KeyAscii changed to another character
+    // types that character instead.
+    struct Teclas
+    {
+        std::function<void(int Index, qint16 &KeyCode, qint16 Shift)> KeyDown;
+        std::function<void(int Index, qint16 &KeyAscii)> KeyPress;
+        std::function<void(int Index, qint16 &KeyCode, qint16 Shift)> KeyUp;
+    };
+    // Every member of the control array `arreglo`; the procedures are named
+    // "<arreglo>_KeyDown" and so on, and receive the member's index.
+    void conectaTeclas(const QString &arreglo, Teclas manejadores);
+    // A single control; procedures named "<nombre>_KeyDown"..., Index -1
+    // unless given.
+    void conectaTeclas(QWidget *control, const QString &nombre, Teclas manejadores,
+                       int indice = -1);
+
+    template <typename T> ArregloControles<T> arreglo(const QString &nombre) const
+    {
+        return ArregloControles<T>(this, nombre);
+    }
+
+    // Runs f inside the window's error trap under the procedure's name.
+    template <typename F> bool atrapa(const QString &procedimiento, F &&f)
+    {
+        return reportErrors(m_modulo, procedimiento, std::forward<F>(f));
+    }
+
+Q_SIGNALS:
+    // The unload went through; the window is about to go.
+    void seDescargo();
+
+protected:
+    virtual void Form_Load() {}
+    virtual void Form_QueryUnload(qint16 &Cancel, qint16 UnloadMode) {}
+    virtual void Form_Unload(qint16 &Cancel) {}
+    virtual void Form_Paint() {}
+    virtual void Form_KeyDown(qint16 &KeyCode, qint16 Shift) {}
+    virtual void Form_KeyPress(qint16 &KeyAscii) {}
+    virtual void Form_KeyUp(qint16 &KeyCode, qint16 Shift) {}
+
+    void closeEvent(QCloseEvent *evento) override;
+    void paintEvent(QPaintEvent *evento) override;
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
+
+private:
+    struct Enlace
+    {
+        QString nombre;
+        int indice = -1;
+        Teclas manejadores;
+    };
+
+    void vigila(QWidget *control);
+    bool esDestinoDeTeclas(QWidget *control) const;
+    bool teclaAbajo(QWidget *control, QKeyEvent *evento);
+    bool teclaArriba(QWidget *control, QKeyEvent *evento);
+
+    QString m_modulo;
+    QHash<QObject *, Enlace> m_enlaces;
+    bool m_cargada = false;
+    bool m_descargada = false;
+    bool m_pintando = false;
+    bool m_reenviando = false;
+};
+
+} // namespace zuvi

@@ -1,0 +1,179 @@
+#include "host/DocumentoInventarioAnfitrion.h"
+
+#include "host/Anfitrion.h"
+#include "host/Sql.h"
+#include "runtime/Error.h"
+
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+
+#include <cmath>
+
+namespace zuvi::anfitrion {
+
+namespace {
+
+const RegistroClase registro("DocumentoInventario",
+                             [] { return new DocumentoInventarioAnfitrion; });
+
+const QString kInserta = QStringLiteral(
+    "INSERT INTO movimientos (tipo, concepto, orden, folio, usuario, fecha, almacen, articulo, "
+    "cantidad, costo, importe) VALUES (?, ?, ?, ?, ?, ?, ?, ?, ?, ?, ?)");
+// One statement moves the stock whether or not the row exists yet.
+const QString kExistenciasSQLite = QStringLiteral(
+    "INSERT INTO existencias (articulo, almacen, cantidad) VALUES (?, ?, ?) "
+    "ON CONFLICT (articulo, almacen) DO UPDATE SET cantidad = cantidad + excluded.cantidad");
+const QString kExistenciasMariaDB =
+    QStringLiteral("INSERT INTO existencias (articulo, almacen, cantidad) VALUES (?, ?, ?) "
+                   "ON DUPLICATE KEY UPDATE cantidad = cantidad + VALUES(cantidad)");
+
+QString literal(const QVariant &v)
+{
+    if (v.isNull())
+        return QStringLiteral("NULL");
+    switch (v.typeId()) {
+    case QMetaType::QString:
+        return QLatin1Char('\'') + v.toString().replace(QLatin1Char('\''), QStringLiteral("''")) +
+               QLatin1Char('\'');
+    case QMetaType::QDate:
+        return QLatin1Char('\'') + v.toDate().toString(Qt::ISODate) + QLatin1Char('\'');
+    case QMetaType::Double:
+        return QString::number(v.toDouble(), 'g', 15);
+    default:
+        return v.toString();
+    }
+}
+
+// The statement with its values written in, as the trace shows it.
+QString conValores(const QString &sql, const QVariantList &valores)
+{
+    QString texto;
+    qsizetype i = 0;
+    for (const QChar c : sql) {
+        if (c == QLatin1Char('?') && i < valores.size())
+            texto += literal(valores.at(i++));
+        else
+            texto += c;
+    }
+    return texto;
+}
+
+void ejecutaTrazada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
+{
+    ejecutaConValores(db, sql, valores, conValores(sql, valores));
+}
+
+} // namespace
+
+void DocumentoInventarioAnfitrion::PonAmbiente(Ambiente *ambiente)
+{
+    m_ambiente = ambiente;
+}
+void DocumentoInventarioAnfitrion::PonDatoDocumento(const QVariant &dato)
+{
+    m_datoDocumento = dato;
+}
+void DocumentoInventarioAnfitrion::PonDatoFecha(qint32 dato)
+{
+    m_datoFecha = dato;
+}
+void DocumentoInventarioAnfitrion::PonFecha(const QDate &fecha)
+{
+    m_fecha = fecha;
+}
+void DocumentoInventarioAnfitrion::PonTipo(const QString &tipo)
+{
+    m_tipo = tipo;
+}
+void DocumentoInventarioAnfitrion::PonConcepto(const QString &concepto)
+{
+    m_concepto = concepto;
+}
+void DocumentoInventarioAnfitrion::PonOrden(qint32 orden)
+{
+    m_orden = orden;
+}
+void DocumentoInventarioAnfitrion::PonFolio(const QString &folio)
+{
+    m_folio = folio;
+}
+void DocumentoInventarioAnfitrion::PonUsuario(const QString &usuario)
+{
+    m_usuario = usuario;
+}
+void DocumentoInventarioAnfitrion::PonAlmacen(double almacen)
+{
+    m_almacen = almacen;
+}
+void DocumentoInventarioAnfitrion::PonArticulo(const QString &articulo)
+{
+    m_articulo = articulo;
+}
+void DocumentoInventarioAnfitrion::PonCantidad(double cantidad)
+{
+    m_cantidad = cantidad;
+}
+void DocumentoInventarioAnfitrion::PonCosto(double costo)
+{
+    m_costo = costo;
+}
+
+double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
+{
+    if (!m_ambiente)
+        throw Error(QStringLiteral(
+            "El documento de inventario no tiene ambiente: falta llamar a PonAmbiente."));
+    const QString tipo = m_tipo.trimmed().toUpper();
+    if (tipo.isEmpty())
+        throw Error(QStringLiteral("Falta el tipo del movimiento de inventario (E o S)."));
+    if (tipo != QLatin1String("E") && tipo != QLatin1String("S"))
+        throw Error(QStringLiteral("Tipo de movimiento de inventario no válido: \"%1\" (se "
+                                   "espera E o S).")
+                        .arg(m_tipo));
+    if (m_articulo.trimmed().isEmpty())
+        throw Error(QStringLiteral("Falta el artículo del movimiento de inventario."));
+    if (!std::isfinite(m_cantidad) || !std::isfinite(m_costo))
+        throw Error(QStringLiteral("La cantidad o el costo del movimiento de %1 no es un número.")
+                        .arg(m_articulo));
+
+    const QSqlDatabase db = m_ambiente->Conexion();
+    const double importe = m_cantidad * m_costo;
+    const qint64 almacen = std::llround(m_almacen);
+    const QVariant fecha =
+        m_fecha.isValid() ? QVariant(m_fecha) : QVariant(QMetaType::fromType<QDate>());
+    const QVariantList fila{tipo,    m_concepto, m_orden,    m_folio, m_usuario, fecha,
+                            almacen, m_articulo, m_cantidad, m_costo, importe};
+    const double cambio = tipo == QLatin1String("E") ? m_cantidad : -m_cantidad;
+    const bool lite = db.driverName().startsWith(QLatin1String("QSQLITE"));
+
+    // The row and the stock go together or not at all. A caller that already
+    // holds a transaction keeps it; this posting then joins it.
+    QSqlDatabase conexion = db;
+    const bool propia = conexion.transaction();
+    if (propia)
+        traza(QStringLiteral("BEGIN"));
+    try {
+        QSqlQuery q = ejecutaConValores(db, kInserta, fila, conValores(kInserta, fila));
+        const QVariant id = q.lastInsertId();
+        q.finish();
+        ejecutaTrazada(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
+                       {m_articulo, almacen, cambio});
+        if (propia) {
+            traza(QStringLiteral("COMMIT"));
+            if (!conexion.commit())
+                throw Error(QStringLiteral("No se pudo confirmar el movimiento de %1: %2")
+                                .arg(m_articulo, conexion.lastError().text()));
+        }
+        numero = id.isValid() ? id.toInt() : 0;
+    } catch (...) {
+        if (propia) {
+            traza(QStringLiteral("ROLLBACK"));
+            conexion.rollback();
+        }
+        throw;
+    }
+    return importe;
+}
+
+} // namespace zuvi::anfitrion

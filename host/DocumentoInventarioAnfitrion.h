@@ -1,0 +1,54 @@
+#pragma once
+
+// The host's inventory movement document. The Pon... operations collect the
+// values of the next movement; AplicaMovimiento posts it: one row into
+// movimientos (importe = cantidad x costo) and the stock of the article in the
+// warehouse in existencias (in for "E", out for "S"; the stock row is created
+// when missing), both in one transaction of their own. The values stay set
+// for the next movement, so a caller changes only what differs.
+
+#include "component/Servicios.h"
+
+#include <QDate>
+#include <QPointer>
+#include <QVariant>
+
+namespace zuvi::anfitrion {
+
+class DocumentoInventarioAnfitrion : public zuvi::DocumentoInventario
+{
+    Q_OBJECT
+public:
+    using zuvi::DocumentoInventario::DocumentoInventario;
+
+    void PonAmbiente(Ambiente *ambiente) override;
+    void PonDatoDocumento(const QVariant &dato) override;
+    void PonDatoFecha(qint32 dato) override;
+    void PonFecha(const QDate &fecha) override;
+    void PonTipo(const QString &tipo) override;
+    void PonConcepto(const QString &concepto) override;
+    void PonOrden(qint32 orden) override;
+    void PonFolio(const QString &folio) override;
+    void PonUsuario(const QString &usuario) override;
+    void PonAlmacen(double almacen) override;
+    void PonArticulo(const QString &articulo) override;
+    void PonCantidad(double cantidad) override;
+    void PonCosto(double costo) override;
+    // Leaves the new movement's id in numero; returns cantidad x costo.
+    double AplicaMovimiento(qint32 &numero) override;
+
+    // The origin values kept with the document (not posted).
+    QVariant datoDocumento() const { return m_datoDocumento; }
+    qint32 datoFecha() const { return m_datoFecha; }
+
+private:
+    QPointer<Ambiente> m_ambiente;
+    QVariant m_datoDocumento;
+    qint32 m_datoFecha = 0;
+    QDate m_fecha;
+    QString m_tipo, m_concepto, m_folio, m_usuario, m_articulo;
+    qint32 m_orden = 0;
+    double m_almacen = 0, m_cantidad = 0, m_costo = 0;
+};
+
+} // namespace zuvi::anfitrion

@@ -1,7 +1,73 @@
+#include "app/Comandos.h"
+#include "app/LineaComandos.h"
+#include "app/VentanaPrincipal.h"
+#include "runtime/Error.h"
+
 #include <QApplication>
+#include <QCoreApplication>
+
+#include <cstdio>
+#include <memory>
+
+namespace {
+
+bool hayPantalla()
+{
+    return !qEnvironmentVariableIsEmpty("DISPLAY") ||
+           !qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY");
+}
+
+// The command line must run without a display; windows then go offscreen.
+std::unique_ptr<QCoreApplication> creaAplicacion(int &argc, char **argv, bool ventanas)
+{
+    std::unique_ptr<QCoreApplication> app;
+    if (ventanas) {
+        if (!hayPantalla() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+            qputenv("QT_QPA_PLATFORM", "offscreen");
+        app = std::make_unique<QApplication>(argc, argv);
+    } else {
+        app = std::make_unique<QCoreApplication>(argc, argv);
+    }
+    QCoreApplication::setApplicationName(QStringLiteral("zuvi-produccion"));
+    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    return app;
+}
+
+} // namespace
 
 int main(int argc, char **argv)
 {
-    QApplication app(argc, argv);
-    return 0;
+    using namespace zuvi::app;
+    QStringList argumentos;
+    for (int i = 1; i < argc; ++i)
+        argumentos << QString::fromLocal8Bit(argv[i]);
+
+    LineaComandos lc;
+    try {
+        lc = LineaComandos::lee(argumentos);
+    } catch (...) {
+        avisa(zuvi::describeCurrentException());
+        return MalUso;
+    }
+    if (lc.ayuda) {
+        std::fputs(qUtf8Printable(textoAyuda()), stdout);
+        return Exito;
+    }
+
+    if (lc.orden.isEmpty()) {
+        if (!hayPantalla() && qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {
+            avisa(QStringLiteral("No hay pantalla para abrir la ventana principal (DISPLAY no "
+                                 "está definido). Use una orden; vea --help."));
+            return Fallo;
+        }
+        auto app = creaAplicacion(argc, argv, true);
+        return ejecutaVentanaPrincipal(lc);
+    }
+
+    // Only what goes through the component may open windows.
+    const bool ventanas = lc.orden != QLatin1String("crea-base") &&
+                          lc.orden != QLatin1String("registra") &&
+                          lc.orden != QLatin1String("desregistra");
+    auto app = creaAplicacion(argc, argv, ventanas);
+    return ejecutaOrden(lc);
 }

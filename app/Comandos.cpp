@@ -1,0 +1,293 @@
+#include "app/Comandos.h"
+
+#include "app/Componente.h"
+#include "app/Kits.h"
+#include "host/Interaccion.h"
+#include "runtime/ComponentRegistry.h"
+#include "runtime/Error.h"
+
+#include <QApplication>
+#include <QGuiApplication>
+#include <QMetaObject>
+#include <QWidget>
+
+#include <cstdio>
+
+namespace zuvi::app {
+
+namespace {
+
+// An argument error found before anything is opened or run.
+class ErrorDeUso : public Error
+{
+public:
+    using Error::Error;
+};
+
+void salida(const QString &texto)
+{
+    std::fprintf(stdout, "%s\n", qUtf8Printable(texto));
+    std::fflush(stdout);
+}
+
+void exigeArgumentos(const LineaComandos &lc, int minimo, int maximo, const QString &forma)
+{
+    const int n = int(lc.argumentos.size());
+    if (n < minimo)
+        throw ErrorDeUso(QStringLiteral("Faltan argumentos. Uso: zuvi-produccion %1").arg(forma));
+    if (n > maximo)
+        throw ErrorDeUso(QStringLiteral("Sobran argumentos. Uso: zuvi-produccion %1").arg(forma));
+}
+
+qint32 entero(const QString &texto, const QString &que)
+{
+    try {
+        return enteroDe(texto, que);
+    } catch (const Error &e) {
+        throw ErrorDeUso(e.description());
+    }
+}
+
+double real(const QString &texto, const QString &que)
+{
+    try {
+        return realDe(texto, que);
+    } catch (const Error &e) {
+        throw ErrorDeUso(e.description());
+    }
+}
+
+bool &huboReporte()
+{
+    static bool b = false;
+    return b;
+}
+
+// Error reports of the component go to standard error and make the run fail.
+void instalaSalidaDeReportes()
+{
+    setReportSink([](const QString &, const QString &texto) {
+        QString plano = texto;
+        plano.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        std::fprintf(stderr, "%s\n", qUtf8Printable(plano));
+        std::fflush(stderr);
+        huboReporte() = true;
+    });
+}
+
+bool sinPantallaReal()
+{
+    const QString p = QGuiApplication::platformName();
+    return p == QLatin1String("offscreen") || p == QLatin1String("minimal");
+}
+
+// Windows opened by the component live until the user closes the last one.
+// Without a real display nobody can, so they are closed at once, which still
+// runs their unload (and releases what they hold).
+void esperaVentanas()
+{
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
+        return;
+    QCoreApplication::processEvents();
+    bool hayVisibles = false;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        hayVisibles = hayVisibles || w->isVisible();
+    if (!hayVisibles)
+        return;
+    if (sinPantallaReal()) {
+        avisa(QStringLiteral("Sin pantalla: la ventana abierta se cierra sin esperar al usuario."));
+        QApplication::closeAllWindows();
+        QCoreApplication::processEvents();
+        return;
+    }
+    QApplication::setQuitOnLastWindowClosed(true);
+    QApplication::exec();
+}
+
+void exigeKit(const QSqlDatabase &db, const QString &articulo)
+{
+    if (!existeReceta(db, articulo))
+        throw ErrorDeUso(
+            QStringLiteral("El artículo %1 no es un kit con componentes.").arg(articulo));
+}
+
+int invoca(const LineaComandos &lc)
+{
+    if (lc.argumentos.isEmpty())
+        throw ErrorDeUso(
+            QStringLiteral("Falta el método. Uso: zuvi-produccion invoca METODO [ARG...]"));
+    auto sesion = abreSesion(lc);
+    auto produccion = creaProduccion(sesion->ambiente());
+    Resultado r;
+    try {
+        r = invocaPorNombre(produccion.get(), lc.argumentos.first(), lc.argumentos.mid(1));
+    } catch (const Error &e) {
+        throw ErrorDeUso(e.description());
+    }
+    if (r.hayValor)
+        salida(r.valor.toString());
+    if (abreVentana(lc.argumentos.first()))
+        esperaVentanas();
+    return huboReporte() ? Fallo : Exito;
+}
+
+int entrega(const LineaComandos &lc)
+{
+    exigeArgumentos(lc, 1, 1, QStringLiteral("entrega OP"));
+    const qint32 op = entero(lc.argumentos.at(0), QStringLiteral("La orden"));
+    auto sesion = abreSesion(lc);
+    if (!existeOrden(sesion->conexion(), op))
+        throw ErrorDeUso(QStringLiteral("La orden de producción %1 no existe.").arg(op));
+    auto produccion = creaProduccion(sesion->ambiente());
+    QMetaObject::invokeMethod(produccion.get(), "EntregaProductoTerminado", Q_ARG(qint32, op));
+    if (huboReporte())
+        return Fallo;
+    salida(QStringLiteral("Producto terminado de la orden %1 entregado.").arg(op));
+    return Exito;
+}
+
+int ensamble(const LineaComandos &lc)
+{
+    const QString forma = QStringLiteral("ensamble ARTICULO ALMACEN CANTIDAD [OP]");
+    exigeArgumentos(lc, 3, 4, forma);
+    const QString articulo = lc.argumentos.at(0).trimmed();
+    const qint32 almacen = entero(lc.argumentos.at(1), QStringLiteral("El almacén"));
+    const qint32 cantidad = entero(lc.argumentos.at(2), QStringLiteral("La cantidad"));
+    const qint32 op =
+        lc.argumentos.size() > 3 ? entero(lc.argumentos.at(3), QStringLiteral("La orden")) : 0;
+    auto sesion = abreSesion(lc);
+    exigeKit(sesion->conexion(), articulo);
+    auto produccion = creaProduccion(sesion->ambiente());
+    QMetaObject::invokeMethod(produccion.get(), "Ensamble", Q_ARG(QString, articulo),
+                              Q_ARG(qint32, almacen), Q_ARG(qint32, cantidad), Q_ARG(qint32, op));
+    if (huboReporte())
+        return Fallo;
+    salida(QStringLiteral("Ensamble de %1 %2 en el almacén %3 terminado.")
+               .arg(cantidad)
+               .arg(articulo)
+               .arg(almacen));
+    return Exito;
+}
+
+int desensamble(const LineaComandos &lc)
+{
+    const QString forma = QStringLiteral("desensamble ARTICULO CANTIDAD ALMACEN [OP]");
+    exigeArgumentos(lc, 3, 4, forma);
+    const QString articulo = lc.argumentos.at(0).trimmed();
+    const double cantidad = real(lc.argumentos.at(1), QStringLiteral("La cantidad"));
+    const qint32 almacen = entero(lc.argumentos.at(2), QStringLiteral("El almacén"));
+    const qint32 op =
+        lc.argumentos.size() > 3 ? entero(lc.argumentos.at(3), QStringLiteral("La orden")) : 0;
+    auto sesion = abreSesion(lc);
+    exigeKit(sesion->conexion(), articulo);
+    const QString motivo = motivoParaNoDesensamblar(sesion->conexion(), articulo);
+    if (!motivo.isEmpty())
+        throw Error(motivo);
+    auto produccion = creaProduccion(sesion->ambiente());
+    QMetaObject::invokeMethod(produccion.get(), "Desensamble", Q_ARG(QString, articulo),
+                              Q_ARG(double, cantidad), Q_ARG(qint32, almacen), Q_ARG(qint32, op));
+    if (huboReporte())
+        return Fallo;
+    salida(QStringLiteral("Desensamble de %1 %2 del almacén %3 terminado.")
+               .arg(cantidad)
+               .arg(articulo)
+               .arg(almacen));
+    return Exito;
+}
+
+int cancela(const LineaComandos &lc)
+{
+    exigeArgumentos(lc, 1, 1, QStringLiteral("cancela OP [--si]"));
+    const qint32 op = entero(lc.argumentos.at(0), QStringLiteral("La orden"));
+    auto sesion = abreSesion(lc);
+    auto produccion = creaProduccion(sesion->ambiente());
+    VBool hecho = VFalse;
+    QMetaObject::invokeMethod(produccion.get(), "CancelaOp", Q_RETURN_ARG(zuvi::VBool, hecho),
+                              Q_ARG(qint32, op));
+    if (!fromVBool(hecho)) {
+        avisa(QStringLiteral("La orden %1 no se canceló (no existe, o no se confirmó la "
+                             "cancelación; use --si para confirmar sin preguntar).")
+                  .arg(op));
+        return Fallo;
+    }
+    salida(QStringLiteral("Orden %1 cancelada.").arg(op));
+    return Exito;
+}
+
+int ejecuta(const LineaComandos &lc)
+{
+    const QString &o = lc.orden;
+    if (o == QLatin1String("crea-base")) {
+        exigeArgumentos(lc, 0, 0, QStringLiteral("crea-base [--demo]"));
+        auto sesion = abreSesion(lc);
+        sesion->creaBase(lc.demo);
+        salida(QStringLiteral("Base de datos lista%1: %2")
+                   .arg(lc.demo ? QStringLiteral(" con datos de demostración") : QString(),
+                        sesion->opciones().base));
+        return Exito;
+    }
+    if (o == QLatin1String("registra") || o == QLatin1String("desregistra")) {
+        exigeArgumentos(lc, 0, 0, o);
+        if (o == QLatin1String("registra")) {
+            registraComponente();
+            salida(QStringLiteral("Componente registrado en %1").arg(components::registryFile()));
+        } else {
+            desregistraComponente();
+            salida(QStringLiteral("Componente quitado de %1").arg(components::registryFile()));
+        }
+        return Exito;
+    }
+    if (o == QLatin1String("invoca"))
+        return invoca(lc);
+    if (o == QLatin1String("entrega"))
+        return entrega(lc);
+    if (o == QLatin1String("ensamble"))
+        return ensamble(lc);
+    if (o == QLatin1String("desensamble"))
+        return desensamble(lc);
+    if (o == QLatin1String("cancela"))
+        return cancela(lc);
+    throw ErrorDeUso(QStringLiteral("Orden desconocida: %1").arg(o));
+}
+
+} // namespace
+
+void avisa(const QString &texto)
+{
+    std::fprintf(stderr, "zuvi-produccion: %s\n", qUtf8Printable(texto));
+    std::fflush(stderr);
+}
+
+std::unique_ptr<anfitrion::Sesion> abreSesion(const LineaComandos &lc)
+{
+    anfitrion::Opciones opciones = lc.opciones;
+    bool demo = lc.demo;
+    if (!lc.baseDada) {
+        opciones.base = anfitrion::basePorOmision();
+        // The default database is meant to be tried out: demo data from the start.
+        demo = lc.orden != QLatin1String("crea-base") || lc.demo;
+    }
+    static bool clasesRegistradas = false;
+    if (!clasesRegistradas) {
+        anfitrion::registraClasesAnfitrion();
+        clasesRegistradas = true;
+    }
+    return anfitrion::Sesion::abre(opciones, demo);
+}
+
+int ejecutaOrden(const LineaComandos &lc)
+{
+    anfitrion::ponInteraccion(anfitrion::interaccionTerminal(lc.opciones.si));
+    instalaSalidaDeReportes();
+    try {
+        return ejecuta(lc);
+    } catch (const ErrorDeUso &e) {
+        avisa(e.description());
+        return MalUso;
+    } catch (...) {
+        avisa(describeCurrentException());
+        return Fallo;
+    }
+}
+
+} // namespace zuvi::app

@@ -1,0 +1,370 @@
+#include "app/VentanaPrincipal.h"
+
+#include "app/Comandos.h"
+#include "app/Componente.h"
+#include "app/DialogoKit.h"
+#include "app/Kits.h"
+#include "component/Identidad.h"
+#include "host/Anfitrion.h"
+#include "host/Interaccion.h"
+#include "host/Sql.h"
+#include "runtime/ComponentRegistry.h"
+#include "runtime/Error.h"
+
+#include <QAction>
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDate>
+#include <QHeaderView>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QSqlQuery>
+#include <QStatusBar>
+#include <QTableWidget>
+
+namespace zuvi::app {
+
+namespace {
+
+enum Columna { ColOp, ColEstado, ColEmision, ColAlmacen, ColObserv, ColCerrado, ColPartidas };
+
+QString textoFecha(const QVariant &v)
+{
+    const QDate d = v.toDate();
+    return d.isValid() ? d.toString(QStringLiteral("dd/MM/yyyy")) : v.toString();
+}
+
+QTableWidgetItem *celda(const QString &texto, bool numero = false)
+{
+    auto *item = new QTableWidgetItem(texto);
+    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
+    if (numero)
+        item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    return item;
+}
+
+} // namespace
+
+VentanaPrincipal::VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccion, QWidget *padre)
+    : QMainWindow(padre), m_sesion(sesion), m_produccion(produccion)
+{
+    // The component's windows give the focus back to the window of this name.
+    setObjectName(QStringLiteral("frmMaster"));
+    setWindowTitle(QStringLiteral("ZuviProduccion - Órdenes de producción"));
+
+    m_lista = new QTableWidget(0, 7, this);
+    m_lista->setObjectName(QStringLiteral("lstOrdenes"));
+    m_lista->setHorizontalHeaderLabels({QStringLiteral("Orden"), QStringLiteral("Estado"),
+                                        QStringLiteral("Emisión"), QStringLiteral("Almacén"),
+                                        QStringLiteral("Observaciones"), QStringLiteral("Cerrada"),
+                                        QStringLiteral("Partidas")});
+    m_lista->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_lista->setSelectionMode(QAbstractItemView::SingleSelection);
+    m_lista->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_lista->verticalHeader()->hide();
+    m_lista->horizontalHeader()->setSectionResizeMode(ColObserv, QHeaderView::Stretch);
+    setCentralWidget(m_lista);
+    connect(m_lista, &QTableWidget::itemSelectionChanged, this, [this] { ajustaAcciones(); });
+    connect(m_lista, &QTableWidget::cellDoubleClicked, this, [this] {
+        if (m_modifica->isEnabled())
+            modifica();
+        else if (m_consulta->isEnabled())
+            consulta();
+    });
+
+    if (m_produccion)
+        m_produccion->setProperty("Parent", QVariant::fromValue<QObject *>(this));
+    creaMenus();
+    statusBar()->showMessage(
+        QStringLiteral("Base: %1   Usuario: %2")
+            .arg(sesion.opciones().base.section(QLatin1Char('@'), -1), sesion.opciones().usuario));
+    resize(900, 520);
+    actualiza();
+}
+
+void VentanaPrincipal::creaMenus()
+{
+    auto agrega = [this](QMenu *menu, const QString &texto, auto funcion,
+                         const QKeySequence &atajo = {}) {
+        QAction *a = menu->addAction(texto);
+        a->setShortcut(atajo);
+        connect(a, &QAction::triggered, this, funcion);
+        return a;
+    };
+
+    QMenu *ordenes = menuBar()->addMenu(QStringLiteral("Ó&rdenes"));
+    m_nueva =
+        agrega(ordenes, QStringLiteral("&Nueva"), &VentanaPrincipal::nueva, QKeySequence::New);
+    m_modifica = agrega(ordenes, QStringLiteral("&Modificar"), &VentanaPrincipal::modifica);
+    m_consulta = agrega(ordenes, QStringLiteral("&Consultar"), &VentanaPrincipal::consulta);
+    ordenes->addSeparator();
+    m_entrega =
+        agrega(ordenes, QStringLiteral("&Entregar producto terminado"), &VentanaPrincipal::entrega);
+    m_cancela = agrega(ordenes, QStringLiteral("C&ancelar orden"), &VentanaPrincipal::cancela);
+    ordenes->addSeparator();
+    agrega(ordenes, QStringLiteral("Ac&tualizar"), &VentanaPrincipal::actualiza,
+           QKeySequence(Qt::Key_F5));
+    ordenes->addSeparator();
+    agrega(ordenes, QStringLiteral("&Salir"), &QWidget::close, QKeySequence::Quit);
+
+    QMenu *kit = menuBar()->addMenu(QStringLiteral("&Kits"));
+    agrega(kit, QStringLiteral("&Ensamblar..."), [this] { kits(false); });
+    agrega(kit, QStringLiteral("&Desensamblar..."), [this] { kits(true); });
+
+    QMenu *fraccion = menuBar()->addMenu(QStringLiteral("&Fracciones"));
+    agrega(fraccion, QStringLiteral("&Captura de fracciones"), &VentanaPrincipal::fracciones);
+
+    QMenu *turno = menuBar()->addMenu(QStringLiteral("&Turnos"));
+    m_turnos = agrega(turno, QStringLiteral("&Turnos"), &VentanaPrincipal::turnos);
+
+    QMenu *ayuda = menuBar()->addMenu(QStringLiteral("Ay&uda"));
+    agrega(ayuda, QStringLiteral("&Acerca de"), &VentanaPrincipal::acercaDe);
+
+    m_nueva->setObjectName(QStringLiteral("actNueva"));
+    m_modifica->setObjectName(QStringLiteral("actModificar"));
+    m_consulta->setObjectName(QStringLiteral("actConsultar"));
+    m_entrega->setObjectName(QStringLiteral("actEntregar"));
+    m_cancela->setObjectName(QStringLiteral("actCancelar"));
+    m_turnos->setObjectName(QStringLiteral("actTurnos"));
+    ajustaAcciones();
+}
+
+void VentanaPrincipal::ajustaAcciones()
+{
+#ifdef ZUVI_EDITOR_OP
+    const bool editor = true;
+#else
+    const bool editor = false; // the component's order editor is not part of this build
+#endif
+#ifdef ZUVI_TURNOS
+    const bool turnos = true;
+#else
+    const bool turnos = false;
+#endif
+    const bool hay = ordenSeleccionada() != 0;
+    m_nueva->setEnabled(editor);
+    m_modifica->setEnabled(editor && hay);
+    m_consulta->setEnabled(editor && hay);
+    m_entrega->setEnabled(hay);
+    m_cancela->setEnabled(hay);
+    m_turnos->setEnabled(turnos);
+}
+
+void VentanaPrincipal::actualiza()
+{
+    if (m_actualizando)
+        return;
+    m_actualizando = true;
+    const qint32 elegida = ordenSeleccionada();
+    const bool ok = swallowErrors([&] {
+        QSqlQuery q = anfitrion::ejecuta(
+            m_sesion.conexion(),
+            QStringLiteral("SELECT op.op, op.estado, op.f_emision, op.almacen, op.observ, "
+                           "op.cerrado, COUNT(oppart.op) FROM op LEFT JOIN oppart ON oppart.op = "
+                           "op.op GROUP BY op.op, op.estado, op.f_emision, op.almacen, op.observ, "
+                           "op.cerrado ORDER BY op.op"));
+        m_lista->setRowCount(0);
+        while (q.next()) {
+            const int fila = m_lista->rowCount();
+            m_lista->insertRow(fila);
+            m_lista->setItem(fila, ColOp, celda(q.value(0).toString(), true));
+            m_lista->setItem(fila, ColEstado, celda(q.value(1).toString().trimmed()));
+            m_lista->setItem(fila, ColEmision, celda(textoFecha(q.value(2))));
+            m_lista->setItem(fila, ColAlmacen, celda(q.value(3).toString(), true));
+            m_lista->setItem(fila, ColObserv, celda(q.value(4).toString().trimmed()));
+            m_lista->setItem(fila, ColCerrado,
+                             celda(q.value(5).toInt() != 0 ? QStringLiteral("Sí") : QString()));
+            m_lista->setItem(fila, ColPartidas, celda(q.value(6).toString(), true));
+        }
+    });
+    if (!ok)
+        statusBar()->showMessage(
+            QStringLiteral("No se pudo leer la lista de órdenes: %1").arg(QString()));
+    if (elegida)
+        seleccionaOrden(elegida);
+    ajustaAcciones();
+    m_actualizando = false;
+}
+
+qint32 VentanaPrincipal::ordenSeleccionada() const
+{
+    const QList<QTableWidgetItem *> items = m_lista->selectedItems();
+    if (items.isEmpty())
+        return 0;
+    const QTableWidgetItem *op = m_lista->item(items.first()->row(), ColOp);
+    return op ? op->text().toInt() : 0;
+}
+
+bool VentanaPrincipal::seleccionaOrden(qint32 op)
+{
+    for (int fila = 0; fila < m_lista->rowCount(); ++fila) {
+        if (m_lista->item(fila, ColOp)->text().toInt() == op) {
+            m_lista->selectRow(fila);
+            return true;
+        }
+    }
+    return false;
+}
+
+template <typename... A> bool VentanaPrincipal::llama(const char *metodo, A... argumentos)
+{
+    bool ok = false;
+    try {
+        if (!m_produccion)
+            throw Error(QStringLiteral("El componente de producción no está disponible."));
+        ok =
+            QMetaObject::invokeMethod(m_produccion.data(), metodo,
+                                      QArgument<A>(QMetaType::fromType<A>().name(), argumentos)...);
+        if (!ok)
+            throw Error(QStringLiteral("El componente no acepta la llamada %1.")
+                            .arg(QString::fromLatin1(metodo)));
+    } catch (...) {
+        muestraError(describeCurrentException());
+    }
+    actualiza();
+    return ok;
+}
+
+void VentanaPrincipal::nueva()
+{
+    llama("NuevaOp");
+}
+
+void VentanaPrincipal::modifica()
+{
+    if (const qint32 op = ordenSeleccionada())
+        llama("ModificaOp", op);
+}
+
+void VentanaPrincipal::consulta()
+{
+    if (const qint32 op = ordenSeleccionada())
+        llama("ConsultaOp", op);
+}
+
+void VentanaPrincipal::entrega()
+{
+    const qint32 op = ordenSeleccionada();
+    if (!op)
+        return;
+    if (!anfitrion::interaccion().pregunta(
+            QStringLiteral("¿Entregar el producto terminado de la orden %1?").arg(op)))
+        return;
+    llama("EntregaProductoTerminado", op);
+}
+
+void VentanaPrincipal::cancela()
+{
+    const qint32 op = ordenSeleccionada();
+    if (!op || !m_produccion)
+        return;
+    // CancelaOp asks its own questions and says whether it changed anything.
+    VBool hecho = VFalse;
+    try {
+        QMetaObject::invokeMethod(m_produccion.data(), "CancelaOp",
+                                  Q_RETURN_ARG(zuvi::VBool, hecho), Q_ARG(qint32, op));
+    } catch (...) {
+        muestraError(describeCurrentException());
+    }
+    actualiza();
+    statusBar()->showMessage(fromVBool(hecho)
+                                 ? QStringLiteral("Orden %1 cancelada.").arg(op)
+                                 : QStringLiteral("La orden %1 no se canceló.").arg(op),
+                             8000);
+}
+
+void VentanaPrincipal::kits(bool desensamble)
+{
+    DialogoKit dialogo(
+        m_sesion.conexion(),
+        desensamble ? DialogoKit::Operacion::Desensamble : DialogoKit::Operacion::Ensamble, this);
+    if (dialogo.exec() != QDialog::Accepted)
+        return;
+    const QString articulo = dialogo.articulo();
+    if (dialogo.operacion() == DialogoKit::Operacion::Ensamble) {
+        llama("Ensamble", articulo, dialogo.almacen(), qint32(qRound(dialogo.cantidad())),
+              dialogo.orden());
+        return;
+    }
+    QString motivo;
+    try {
+        motivo = motivoParaNoDesensamblar(m_sesion.conexion(), articulo);
+    } catch (...) {
+        motivo = describeCurrentException();
+    }
+    if (!motivo.isEmpty()) {
+        muestraError(motivo);
+        return;
+    }
+    llama("Desensamble", articulo, dialogo.cantidad(), dialogo.almacen(), dialogo.orden());
+}
+
+void VentanaPrincipal::fracciones()
+{
+    llama("MuestraCapturaDeFracciones");
+}
+
+void VentanaPrincipal::turnos()
+{
+    llama("MuestraTurnos");
+}
+
+void VentanaPrincipal::acercaDe()
+{
+    QMessageBox::about(
+        this, QStringLiteral("Acerca de ZuviProduccion"),
+        QStringLiteral("<b>ZuviProduccion %1</b><p>Módulo de producción: órdenes de producción, "
+                       "entrega de producto terminado, kits, fracciones y turnos.</p>"
+                       "<p>Componente: %2 %3<br>Registro: %4<br>Base: %5</p>")
+            .arg(QCoreApplication::applicationVersion(), QStringLiteral(ZUVI_PROG_ID),
+                 QStringLiteral(ZUVI_CLASS_ID), components::registryFile().toHtmlEscaped(),
+                 m_sesion.opciones().base.section(QLatin1Char('@'), -1).toHtmlEscaped()));
+}
+
+void VentanaPrincipal::muestraError(const QString &texto)
+{
+    anfitrion::interaccion().mensaje(texto, 16);
+}
+
+void VentanaPrincipal::closeEvent(QCloseEvent *evento)
+{
+    // The component's windows close with the shell; any of them may refuse.
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (w != this && w->isVisible() && !w->close()) {
+            evento->ignore();
+            return;
+        }
+    evento->accept();
+}
+
+void VentanaPrincipal::changeEvent(QEvent *evento)
+{
+    // Back from one of the component's windows: what it saved shows at once.
+    if (evento->type() == QEvent::ActivationChange && isActiveWindow())
+        actualiza();
+    QMainWindow::changeEvent(evento);
+}
+
+int ejecutaVentanaPrincipal(const LineaComandos &lc)
+{
+    anfitrion::ponInteraccion(anfitrion::interaccionVentanas(lc.opciones.si));
+    std::unique_ptr<anfitrion::Sesion> sesion;
+    std::unique_ptr<QObject> produccion;
+    try {
+        sesion = abreSesion(lc);
+        produccion = creaProduccion(sesion->ambiente());
+    } catch (...) {
+        avisa(describeCurrentException());
+        return Fallo;
+    }
+    int codigo = 0;
+    {
+        VentanaPrincipal ventana(*sesion, produccion.get());
+        ventana.show();
+        codigo = QApplication::exec();
+    }
+    QApplication::closeAllWindows();
+    return codigo;
+}
+
+} // namespace zuvi::app

@@ -1,0 +1,64 @@
+#pragma once
+
+// The host's main window "frmMaster": the list of production orders and the
+// menus that drive the component by name.
+
+#include <QMainWindow>
+#include <QPointer>
+
+class QAction;
+class QTableWidget;
+
+namespace zuvi::anfitrion {
+class Sesion;
+}
+
+namespace zuvi::app {
+
+class VentanaPrincipal : public QMainWindow
+{
+    Q_OBJECT
+public:
+    VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccion, QWidget *padre = nullptr);
+
+    // Reads the orders again; keeps the selected order selected.
+    void actualiza();
+    // The order of the selected row, or 0.
+    qint32 ordenSeleccionada() const;
+    bool seleccionaOrden(qint32 op);
+
+protected:
+    void closeEvent(QCloseEvent *evento) override;
+    void changeEvent(QEvent *evento) override;
+
+private:
+    void creaMenus();
+    void ajustaAcciones();
+    // Calls a member of the component by name inside an error boundary, then
+    // refreshes the list. False when the call could not be made.
+    template <typename... A> bool llama(const char *metodo, A... argumentos);
+
+    void nueva();
+    void modifica();
+    void consulta();
+    void entrega();
+    void cancela();
+    void kits(bool desensamble);
+    void fracciones();
+    void turnos();
+    void acercaDe();
+    void muestraError(const QString &texto);
+
+    anfitrion::Sesion &m_sesion;
+    QPointer<QObject> m_produccion;
+    QTableWidget *m_lista = nullptr;
+    QAction *m_nueva = nullptr;
+    QAction *m_modifica = nullptr;
+    QAction *m_consulta = nullptr;
+    QAction *m_entrega = nullptr;
+    QAction *m_cancela = nullptr;
+    QAction *m_turnos = nullptr;
+    bool m_actualizando = false;
+};
+
+} // namespace zuvi::app

@@ -161,10 +161,26 @@ const Opciones &Sesion::opciones() const
 
 void Sesion::creaBase(bool demo)
 {
-    creaEsquema(d->db, d->motor);
-    insertaFilasBase(d->db, d->motor);
-    if (demo)
-        insertaDemo(d->db, d->motor);
+    // The rows go in one transaction: all or nothing, and one disk sync
+    // instead of one per row. MariaDB commits each CREATE TABLE by itself, so
+    // there the tables come first.
+    if (d->motor == Motor::MariaDB)
+        creaEsquema(d->db, d->motor);
+    const bool transaccion = d->db.transaction();
+    try {
+        if (d->motor == Motor::SQLite)
+            creaEsquema(d->db, d->motor);
+        insertaFilasBase(d->db, d->motor);
+        if (demo)
+            insertaDemo(d->db, d->motor);
+    } catch (...) {
+        if (transaccion)
+            d->db.rollback();
+        throw;
+    }
+    if (transaccion && !d->db.commit())
+        throw Error(QStringLiteral("No se pudo guardar la estructura de la base de datos: %1.")
+                        .arg(textoError(d->db.lastError())));
 }
 
 std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)

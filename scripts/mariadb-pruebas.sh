@@ -107,6 +107,7 @@ arranca() {
         --port="$puerto" --bind-address=127.0.0.1 --user="$usuario" \
         --skip-grant-tables --skip-name-resolve --skip-log-bin \
         --innodb-buffer-pool-size=64M --innodb-log-file-size=16M \
+        --innodb-flush-log-at-trx-commit=2 --skip-innodb-doublewrite \
         --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci \
         --log-error="$log" --lower-case-table-names=1 "$@" </dev/null >/dev/null 2>&1 &
     for _ in $(seq 1 120); do

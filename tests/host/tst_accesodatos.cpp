@@ -23,19 +23,6 @@ class TstAccesoDatos : public QObject
     Q_OBJECT
 
 private slots:
-    void init()
-    {
-        m_base = std::make_unique<BaseDePrueba>(false);
-        m_base->ejecuta("INSERT INTO almacen (almacen, nombre) VALUES (1, 'Matriz')");
-        m_base->ejecuta("INSERT INTO almacen (almacen, nombre) VALUES (3, 'Bodega')");
-        m_base->ejecuta("INSERT INTO prods (articulo, descrip, ubicacion) VALUES "
-                        "('K1', 'Kit uno', 'SOLO 1,3')");
-        m_base->ejecuta("INSERT INTO prods (articulo, descrip, ubicacion) VALUES "
-                        "('K2', 'Kit dos', 'A-12')");
-        m_base->ejecuta("INSERT INTO op (op, estado) VALUES (120, 'PE')");
-        m_base->ejecuta("INSERT INTO oppart (id_entrada, op, articulo, cantidad) VALUES "
-                        "(1, 120, 'K1', 2)");
-    }
     void cleanup()
     {
         m_base.reset();
@@ -67,9 +54,27 @@ private slots:
     void preparaYLiberaVentana();
 
 private:
+    // The database, created on first use: most cases here need none, and a
+    // fresh MariaDB database per data row would dominate the run.
+    BaseDePrueba &base()
+    {
+        if (!m_base) {
+            m_base = std::make_unique<BaseDePrueba>(false);
+            m_base->ejecuta("INSERT INTO almacen (almacen, nombre) VALUES (1, 'Matriz')");
+            m_base->ejecuta("INSERT INTO almacen (almacen, nombre) VALUES (3, 'Bodega')");
+            m_base->ejecuta("INSERT INTO prods (articulo, descrip, ubicacion) VALUES "
+                            "('K1', 'Kit uno', 'SOLO 1,3')");
+            m_base->ejecuta("INSERT INTO prods (articulo, descrip, ubicacion) VALUES "
+                            "('K2', 'Kit dos', 'A-12')");
+            m_base->ejecuta("INSERT INTO op (op, estado) VALUES (120, 'PE')");
+            m_base->ejecuta("INSERT INTO oppart (id_entrada, op, articulo, cantidad) VALUES "
+                            "(1, 120, 'K1', 2)");
+        }
+        return *m_base;
+    }
     int cuenta(const QString &tabla)
     {
-        return m_base->escalar(QStringLiteral("SELECT COUNT(*) FROM ") + tabla).toInt();
+        return base().escalar(QStringLiteral("SELECT COUNT(*) FROM ") + tabla).toInt();
     }
     std::unique_ptr<BaseDePrueba> m_base;
     AccesoDatosAnfitrion m_ad;
@@ -77,9 +82,9 @@ private:
 
 void TstAccesoDatos::consultaDevuelvePrimeraFila()
 {
-    m_base->ejecuta("INSERT INTO op (op, estado) VALUES (121, 'CO')");
+    base().ejecuta("INSERT INTO op (op, estado) VALUES (121, 'CO')");
     RecordsetPtr rs =
-        m_ad.Consulta("SELECT * FROM op WHERE op >= 120 ORDER BY op", m_base->conexion(), VTrue);
+        m_ad.Consulta("SELECT * FROM op WHERE op >= 120 ORDER BY op", base().conexion(), VTrue);
     QVERIFY(!rs->atEnd());
     QCOMPARE(rs->number("op"), 120.0);
     QCOMPARE(rs->text("Estado"), QStringLiteral("PE"));
@@ -87,7 +92,7 @@ void TstAccesoDatos::consultaDevuelvePrimeraFila()
     QCOMPARE(rs->text("estado"), QStringLiteral("CO"));
     rs->moveNext();
     QVERIFY(rs->atEnd());
-    QVERIFY(m_ad.Consulta("SELECT * FROM op WHERE op = 0", m_base->conexion())->atEnd());
+    QVERIFY(m_ad.Consulta("SELECT * FROM op WHERE op = 0", base().conexion())->atEnd());
 }
 
 void TstAccesoDatos::textoInyectadoNoEjecutaNada_data()
@@ -111,15 +116,15 @@ void TstAccesoDatos::textoInyectadoNoEjecutaNada()
     QFETCH(bool, accion);
     if (accion) {
         const QString sql = "DELETE FROM oppart WHERE articulo = '" + clave + "'";
-        QVERIFY_THROWS_EXCEPTION(Error, m_base->ambiente()->EjecutaSQL(sql));
+        QVERIFY_THROWS_EXCEPTION(Error, base().ambiente()->EjecutaSQL(sql));
     } else {
         const QString sql = "SELECT * FROM prods WHERE articulo = '" + clave + "'";
-        QVERIFY_THROWS_EXCEPTION(Error, m_ad.Consulta(sql, m_base->conexion()));
+        QVERIFY_THROWS_EXCEPTION(Error, m_ad.Consulta(sql, base().conexion()));
     }
     QCOMPARE(cuenta("op"), 1);
     QCOMPARE(cuenta("oppart"), 1);
     // The connection is still usable afterwards.
-    QCOMPARE(m_ad.Consulta("SELECT * FROM op", m_base->conexion())->rowCount(), 1);
+    QCOMPARE(m_ad.Consulta("SELECT * FROM op", base().conexion())->rowCount(), 1);
 }
 
 void TstAccesoDatos::conversiones_data()
@@ -169,8 +174,8 @@ void TstAccesoDatos::mensajesDelCatalogo()
         if (m.first == 757)
             esperado = m.second;
     QVERIFY(!esperado.isEmpty());
-    QCOMPARE(m_ad.TraeMensaje(757, m_base->ambiente()), esperado);
-    QCOMPARE(m_ad.TraeMensaje(999999, m_base->ambiente()),
+    QCOMPARE(m_ad.TraeMensaje(757, base().ambiente()), esperado);
+    QCOMPARE(m_ad.TraeMensaje(999999, base().ambiente()),
              QStringLiteral("Mensaje 999999 no encontrado"));
     QVERIFY_THROWS_EXCEPTION(Error, m_ad.TraeMensaje(72, nullptr));
 }
@@ -179,7 +184,7 @@ void TstAccesoDatos::mensajeYPreguntaPasanPorLaInteraccion()
 {
     auto guion = InteraccionGuionada::instala();
     guion->respuestas({true});
-    m_ad.Mensaje(QStringLiteral("No se encontró la orden."), 16, m_base->ambiente());
+    m_ad.Mensaje(QStringLiteral("No se encontró la orden."), 16, base().ambiente());
     QCOMPARE(m_ad.Pregunta(QStringLiteral("¿Cancelar?"), 2), VTrue);
     QCOMPARE(m_ad.Pregunta(QStringLiteral("¿Otra vez?"), 2), VFalse);
     QCOMPARE(guion->mensajes().size(), 1);
@@ -191,11 +196,11 @@ void TstAccesoDatos::mensajeYPreguntaPasanPorLaInteraccion()
 void TstAccesoDatos::siguienteFolioYComponeFecha()
 {
     qint32 documento = 0;
-    const qint32 primero = m_ad.SiguienteFolio("Op", m_base->conexion(), documento, nullptr);
+    const qint32 primero = m_ad.SiguienteFolio("Op", base().conexion(), documento, nullptr);
     QCOMPARE(documento, primero);
     QVERIFY(primero > 120); // above the orders already there
     documento = 0;
-    const qint32 segundo = m_ad.SiguienteFolio("Op", m_base->conexion(), documento, nullptr);
+    const qint32 segundo = m_ad.SiguienteFolio("Op", base().conexion(), documento, nullptr);
     QCOMPARE(segundo, primero + 1);
     QCOMPARE(documento, segundo);
 
@@ -241,11 +246,11 @@ void TstAccesoDatos::existeClave()
     QFETCH(QString, tabla);
     QFETCH(QString, columna);
     QFETCH(VBool, existe);
-    QCOMPARE(m_ad.ExisteClave(valor, tabla, columna, m_base->conexion(), VTrue), existe);
+    QCOMPARE(m_ad.ExisteClave(valor, tabla, columna, base().conexion(), VTrue), existe);
     QCOMPARE(cuenta("op"), 1);
     // Names cannot carry a statement either.
     QVERIFY_THROWS_EXCEPTION(
-        Error, m_ad.ExisteClave(valor, "prods; DELETE FROM op", columna, m_base->conexion()));
+        Error, m_ad.ExisteClave(valor, "prods; DELETE FROM op", columna, base().conexion()));
     QCOMPARE(cuenta("op"), 1);
 }
 
@@ -277,7 +282,7 @@ void TstAccesoDatos::reglaDeUbicacion()
 
 void TstAccesoDatos::ubicacionEnLaBase()
 {
-    const QSqlDatabase db = m_base->conexion();
+    const QSqlDatabase db = base().conexion();
     QCOMPARE(m_ad.UbicacionRestringida(QStringLiteral("K1"), 2, db), VTrue);
     QCOMPARE(m_ad.UbicacionRestringida(QStringLiteral(" K1 "), 2, db), VTrue);
     QCOMPARE(m_ad.UbicacionRestringida(QStringLiteral("K1"), 3, db), VFalse);
@@ -433,7 +438,7 @@ void TstAccesoDatos::formateaCampo()
     QLineEdit caja;
     caja.setProperty("Tag", etiqueta);
     caja.setText(texto);
-    QCOMPARE(m_ad.FormateaCampo(&caja, m_base->ambiente()), formado);
+    QCOMPARE(m_ad.FormateaCampo(&caja, nullptr), formado);
     // What a numeric box shows is what the numeric conversion reads back.
     if (etiqueta == QLatin1String("N") && formado != texto) {
         QString t = texto;
@@ -464,17 +469,18 @@ void TstAccesoDatos::textoConCeros()
 
 void TstAccesoDatos::fechaSqlSirveEnConsultas()
 {
-    const QSqlDatabase db = m_base->conexion();
+    const QSqlDatabase db = base().conexion();
     const QDate dia(2024, 5, 2);
-    m_base->ejecuta("INSERT INTO horarios (turno, fecha, Empleado) VALUES ('T1', " +
-                    m_ad.FechaSQL(db, dia) + ", 'E1')");
-    m_base->ejecuta("INSERT INTO horarios (turno, fecha, Empleado) VALUES ('T1', " +
-                    m_ad.FechaSQL(db, QDate(2024, 10, 30)) + ", 'E1')");
+    base().ejecuta("INSERT INTO horarios (turno, fecha, Empleado) VALUES ('T1', " +
+                   m_ad.FechaSQL(db, dia) + ", 'E1')");
+    base().ejecuta("INSERT INTO horarios (turno, fecha, Empleado) VALUES ('T1', " +
+                   m_ad.FechaSQL(db, QDate(2024, 10, 30)) + ", 'E1')");
     const auto cuentaDonde = [&](const QString &condicion) {
-        return m_base->escalar("SELECT COUNT(*) FROM horarios WHERE " + condicion).toInt();
+        return base().escalar("SELECT COUNT(*) FROM horarios WHERE " + condicion).toInt();
     };
     QCOMPARE(cuentaDonde("fecha = " + m_ad.FechaSQL(db, dia)), 1);
-    QCOMPARE(m_base->escalar("SELECT fecha FROM horarios WHERE fecha = " + m_ad.FechaSQL(db, dia))
+    QCOMPARE(base()
+                 .escalar("SELECT fecha FROM horarios WHERE fecha = " + m_ad.FechaSQL(db, dia))
                  .toDate(),
              dia);
     // Dates order as dates, across months of one and two digits.
@@ -494,17 +500,17 @@ void TstAccesoDatos::preparaYLiberaVentana()
     principal.show();
     otra.show();
     QWidget ventana;
-    m_ad.PreparaVentana(&ventana, m_base->ambiente(), QString());
+    m_ad.PreparaVentana(&ventana, nullptr, QString());
     QVERIFY(ventana.isVisible());
     QVERIFY(QTest::qWaitForWindowActive(&ventana));
 
-    m_ad.LiberaVentana(&ventana, m_base->ambiente(), QStringLiteral("frmMaster"));
+    m_ad.LiberaVentana(&ventana, nullptr, QStringLiteral("frmMaster"));
     QTRY_VERIFY(principal.isActiveWindow());
     QVERIFY(!otra.isActiveWindow());
 
     // A main window that is not there: nothing happens, nothing fails.
-    m_ad.LiberaVentana(&ventana, m_base->ambiente(), QStringLiteral("frmNoExiste"));
-    m_ad.PreparaVentana(nullptr, m_base->ambiente(), QString());
+    m_ad.LiberaVentana(&ventana, nullptr, QStringLiteral("frmNoExiste"));
+    m_ad.PreparaVentana(nullptr, nullptr, QString());
 }
 
 QTEST_MAIN(TstAccesoDatos)

@@ -11,6 +11,20 @@
 
 namespace {
 
+QtMessageHandler manejadorPrevio = nullptr;
+
+// Offscreen runs have no use for a runtime folder; Qt's warning about it
+// would only confuse whoever reads the command's messages.
+void filtraMensajes(QtMsgType tipo, const QMessageLogContext &contexto, const QString &texto)
+{
+    if (texto.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+        return;
+    if (manejadorPrevio)
+        manejadorPrevio(tipo, contexto, texto);
+    else
+        std::fprintf(stderr, "%s\n", qUtf8Printable(texto));
+}
+
 bool hayPantalla()
 {
     return !qEnvironmentVariableIsEmpty("DISPLAY") ||
@@ -38,6 +52,7 @@ std::unique_ptr<QCoreApplication> creaAplicacion(int &argc, char **argv, bool ve
 int main(int argc, char **argv)
 {
     using namespace zuvi::app;
+    manejadorPrevio = qInstallMessageHandler(filtraMensajes);
     QStringList argumentos;
     for (int i = 1; i < argc; ++i)
         argumentos << QString::fromLocal8Bit(argv[i]);

@@ -7,5 +7,5 @@ raiz=$(cd "$(dirname "$0")/.." && pwd)
 bash "$raiz/scripts/instala-dependencias.sh"
 bash "$raiz/scripts/compila.sh"
 build=${ZUVI_BUILD_DIR:-$raiz/build}
-"$build/bin/zuvi-produccion" registra
+"$build/bin/zuvi-produccion" registra >/dev/null
 exec "$build/bin/zuvi-produccion" "$@"

@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds into build/ (or $ZUVI_BUILD_DIR).
+# Configures and builds into build/ (or $ZUVI_BUILD_DIR). Safe to run again.
 set -euo pipefail
 raiz=$(cd "$(dirname "$0")/.." && pwd)
 build=${ZUVI_BUILD_DIR:-$raiz/build}

@@ -9,7 +9,6 @@ PAQUETES=(
     libqt6sql6-sqlite libqt6sql6-mysql
     mariadb-server mariadb-client
     libsqlite3-dev libbenchmark-dev
-    xvfb xauth
 )
 
 faltan=()
@@ -31,7 +30,24 @@ fi
 
 echo "Instalando: ${faltan[*]}" >&2
 export DEBIAN_FRONTEND=noninteractive
-"${como[@]}" apt-get update -qq
+
 # The server package must not start a system-wide service: the tests start
-# their own private server on loopback.
-"${como[@]}" apt-get install -y -qq --no-install-recommends "${faltan[@]}"
+# their own private server on loopback. A policy file refuses service starts
+# for the length of the installation, unless the machine already has one.
+politica=/usr/sbin/policy-rc.d
+puesta=0
+if [ ! -e "$politica" ]; then
+    printf '#!/bin/sh\nexit 101\n' | "${como[@]}" tee "$politica" >/dev/null
+    "${como[@]}" chmod 755 "$politica"
+    puesta=1
+fi
+quita_politica() {
+    if [ "$puesta" -eq 1 ]; then
+        "${como[@]}" rm -f "$politica"
+    fi
+}
+trap quita_politica EXIT
+
+"${como[@]}" apt-get update -qq
+"${como[@]}" env DEBIAN_FRONTEND=noninteractive \
+    apt-get install -y -qq --no-install-recommends "${faltan[@]}"

@@ -1,5 +1,6 @@
 #!/usr/bin/env bash
 # Installs what is missing, builds and runs every test (SQLite and MariaDB).
+# Extra arguments go to ctest (for example -R tst_lineacomandos).
 set -euo pipefail
 raiz=$(cd "$(dirname "$0")/.." && pwd)
 bash "$raiz/scripts/instala-dependencias.sh"

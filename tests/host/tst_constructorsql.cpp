@@ -57,7 +57,6 @@ private slots:
     void condicionConSegundaSentenciaNoSeEjecuta_data();
     void condicionConSegundaSentenciaNoSeEjecuta();
     void trazaRegistraLoGenerado();
-    void textoPorOmisionDeObjetos();
 
 private:
     QVariant escalar(const QString &sql) { return m_base->escalar(sql); }
@@ -273,21 +272,6 @@ void TstConstructorSql::trazaRegistraLoGenerado()
     QCOMPARE(lineas.size(), 1);
     QCOMPARE(lineas.at(0), QString(texto).replace(QLatin1Char('\n'), QLatin1Char(' ')));
     QVERIFY(lineas.at(0).contains(QStringLiteral("'línea 1 línea 2'")));
-}
-
-void TstConstructorSql::textoPorOmisionDeObjetos()
-{
-    QLineEdit caja;
-    caja.setObjectName(QStringLiteral("txtFields_4"));
-    caja.setText(QStringLiteral("KIT-01"));
-    QObject conNombre;
-    conNombre.setObjectName(QStringLiteral("sólo nombre"));
-    QObject conText;
-    conText.setProperty("Text", QStringLiteral("propiedad Text"));
-    QCOMPARE(textoPorOmision(&caja), QStringLiteral("KIT-01"));
-    QCOMPARE(textoPorOmision(&conNombre), QStringLiteral("sólo nombre"));
-    QCOMPARE(textoPorOmision(&conText), QStringLiteral("propiedad Text"));
-    QCOMPARE(textoPorOmision(nullptr), QString());
 }
 
 QTEST_MAIN(TstConstructorSql)

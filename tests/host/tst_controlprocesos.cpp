@@ -48,7 +48,6 @@ private slots:
     void consultaSinProcesoNoCambiaLaBandera();
     void reporteDeOrdenEnPdf();
     void reportesQueNoExistenSonError();
-    void cierraProcesoAceptaElValor();
 };
 
 void TstControlProcesos::clasesRegistradasPorNombre()
@@ -213,14 +212,6 @@ void TstControlProcesos::reportesQueNoExistenSonError()
         Error, cp.ImprimeReporte(QStringLiteral("ORDENP"), 999, base.ambiente(), nullptr));
     QVERIFY(QDir(dir.path()).entryList(QDir::Files).isEmpty());
     QVERIFY(guion->mensajes().isEmpty());
-}
-
-void TstControlProcesos::cierraProcesoAceptaElValor()
-{
-    ControlProcesosAnfitrion cp;
-    QVERIFY(!cp.ultimoCierre().has_value());
-    cp.CierraProceso(0);
-    QCOMPARE(cp.ultimoCierre().value_or(-1), 0);
 }
 
 QTEST_MAIN(TstControlProcesos)

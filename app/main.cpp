@@ -13,11 +13,12 @@ namespace {
 
 QtMessageHandler manejadorPrevio = nullptr;
 
-// Offscreen runs have no use for a runtime folder; Qt's warning about it
+// Warnings of the offscreen platform (no runtime folder, no window manager)
 // would only confuse whoever reads the command's messages.
 void filtraMensajes(QtMsgType tipo, const QMessageLogContext &contexto, const QString &texto)
 {
-    if (texto.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")))
+    if (texto.startsWith(QLatin1String("QStandardPaths: XDG_RUNTIME_DIR not set")) ||
+        texto == QLatin1String("This plugin does not support propagateSizeHints()"))
         return;
     if (manejadorPrevio)
         manejadorPrevio(tipo, contexto, texto);

@@ -320,6 +320,8 @@ private slots:
         BaseDePrueba base;
         const Corrida c = corre({"invoca", "MuestraCapturaDeFracciones", "--base", base.url()});
         QVERIFY2(c.normal && c.codigo == 0, qPrintable(describe(c)));
+        // The window did open, and was closed because nobody could see it.
+        QVERIFY2(c.error.contains(QLatin1String("Sin pantalla")), qPrintable(describe(c)));
     }
 
     void shellNeedsADisplay()

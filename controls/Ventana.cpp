@@ -2,9 +2,9 @@
 
 #include "controls/Teclas.h"
 
-#include <QApplication>
 #include <QChildEvent>
 #include <QCloseEvent>
+#include <QCoreApplication>
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QPaintEvent>
@@ -148,13 +148,15 @@ void Ventana::vigila(QWidget *control)
 bool Ventana::esDestinoDeTeclas(QWidget *control) const
 {
     // A key the focused control leaves unaccepted travels up to its parents,
-    // through this same filter: it is handled once, where it was aimed.
+    // through this same filter: it is handled once, where it was aimed. The
+    // window's own focus child counts, not the application's: a window that
+    // is not the active one still receives the keys sent to it.
     if (control->window() != this)
         return false; // a dialog or box parented to this window
-    QWidget *foco = QApplication::focusWidget();
-    if (control == foco)
-        return true;
-    return control == this && (!foco || foco->window() != this);
+    QWidget *foco = focusWidget();
+    if (!foco)
+        return control == this;
+    return control == foco;
 }
 
 bool Ventana::eventFilter(QObject *objeto, QEvent *evento)

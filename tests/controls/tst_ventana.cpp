@@ -2,6 +2,7 @@
 #include "controls/Ventana.h"
 #include "runtime/Error.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLineEdit>
 #include <QPointer>
@@ -224,6 +225,20 @@ private Q_SLOTS:
         v->tragaEnControl = 'Q';
         teclea(v->windowHandle(), QStringLiteral("wqe"));
         QCOMPARE(v->campo(3)->text(), QStringLiteral("WE"));
+    }
+
+    // Keys sent to a window that is not the active one reach its own focused
+    // control, not the active window's.
+    void keysReachAWindowThatIsNotActive()
+    {
+        auto atras = abre();
+        auto delante = abre();
+        QVERIFY(atras && delante);
+        QCOMPARE(QApplication::activeWindow(), delante.data());
+        QTest::keyClick(atras->windowHandle(), Qt::Key_F2);
+        QCOMPARE(soloKeyDown(atras->registro),
+                 QStringList{QStringLiteral("txtFields_KeyDown 3 113 0")});
+        QVERIFY(soloKeyDown(delante->registro).isEmpty());
     }
 
     void handlerErrorIsReportedWithModuleAndProcedure()

@@ -19,6 +19,10 @@ namespace {
 // How long a station waits for another one's numbering before giving up.
 constexpr int kEsperaMaximaMs = 60000;
 
+// The last number a key hands out; one below the column's maximum so the
+// increment itself never overflows.
+constexpr qint32 kUltimoPosible = std::numeric_limits<qint32>::max() - 1;
+
 // The statement as the trace shows it: each '?' replaced by its value.
 QString conValores(QString sql, const QVariantList &valores)
 {
@@ -67,7 +71,7 @@ qint64 ultimoEnUso(const QSqlDatabase &db, const QString &clave)
 
 qint32 compruebaLimite(qint64 numero, const QString &clave)
 {
-    if (numero <= 0 || numero >= std::numeric_limits<qint32>::max())
+    if (numero <= 0 || numero > kUltimoPosible)
         throw Error(QStringLiteral("La numeración \"%1\" llegó a su límite (%2); no se pueden "
                                    "asignar más números con esa clave.")
                         .arg(clave)
@@ -77,22 +81,29 @@ qint32 compruebaLimite(qint64 numero, const QString &clave)
 
 qint32 folioMariaDB(const QSqlDatabase &db, const QString &clave)
 {
-    qint64 numero = 0;
-    QSqlQuery u = corre(
-        db, QStringLiteral("UPDATE folios SET ultimo = LAST_INSERT_ID(ultimo + 1) WHERE clave = ?"),
-        {clave});
+    // The counter never moves past the last number that can be handed out,
+    // so a key at its limit keeps refusing without changing.
+    QSqlQuery u = corre(db,
+                        QStringLiteral("UPDATE folios SET ultimo = LAST_INSERT_ID(ultimo + 1)"
+                                       " WHERE clave = ? AND ultimo < ?"),
+                        {clave, qint64(kUltimoPosible)});
     if (u.numRowsAffected() < 1) {
+        QSqlQuery existe =
+            corre(db, QStringLiteral("SELECT ultimo FROM folios WHERE clave = ?"), {clave});
+        if (existe.next())
+            compruebaLimite(existe.value(0).toLongLong() + 1, clave);
+        existe.finish();
         // Two stations may both find the key missing: the second one's
         // insert turns into the increment.
         const qint64 inicial = ultimoEnUso(db, clave) + 1;
+        compruebaLimite(inicial, clave);
         corre(db,
               QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES (?, LAST_INSERT_ID(?))"
                              " ON DUPLICATE KEY UPDATE ultimo = LAST_INSERT_ID(ultimo + 1)"),
               {clave, inicial});
     }
     QSqlQuery q = ejecuta(db, QStringLiteral("SELECT LAST_INSERT_ID()"));
-    if (q.next())
-        numero = q.value(0).toLongLong();
+    const qint64 numero = q.next() ? q.value(0).toLongLong() : 0;
     return compruebaLimite(numero, clave);
 }
 

@@ -59,9 +59,12 @@ QString conValores(const QString &sql, const QVariantList &valores)
     return texto;
 }
 
-void ejecutaTrazada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
+// The values are written into the traced text only when a trace is kept:
+// building it costs as much as a good part of the statement itself.
+QSqlQuery ejecutaTrazada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
 {
-    ejecutaConValores(db, sql, valores, conValores(sql, valores));
+    return ejecutaConValores(db, sql, valores,
+                             archivoTraza().isEmpty() ? sql : conValores(sql, valores));
 }
 
 } // namespace
@@ -154,7 +157,7 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
     if (propia)
         traza(QStringLiteral("BEGIN"));
     try {
-        QSqlQuery q = ejecutaConValores(db, kInserta, fila, conValores(kInserta, fila));
+        QSqlQuery q = ejecutaTrazada(db, kInserta, fila);
         const QVariant id = q.lastInsertId();
         q.finish();
         ejecutaTrazada(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,

@@ -6,6 +6,8 @@
 #include "component/Produccion.h"
 #include "host/AmbienteAnfitrion.h"
 #include "host/Anfitrion.h"
+#include "host/DocumentoInventarioAnfitrion.h"
+#include "host/VentanaProgresoAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"
@@ -288,6 +290,89 @@ private Q_SLOTS:
         QCOMPARE(movimientos(*base).size(), 2);
         QCOMPARE(existencia(*base, "TORN-01", 1), 4996.0);
         QCOMPARE(existencia(*base, "RARO", 1), -1.0);
+    }
+
+    void documentoRechazaMovimientosIncompletos_data()
+    {
+        QTest::addColumn<QString>("tipo");
+        QTest::addColumn<QString>("articulo");
+        QTest::addColumn<bool>("conAmbiente");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("sin tipo") << ""
+                                  << "TORN-01" << true << "Falta el tipo";
+        QTest::newRow("tipo ajeno") << "X"
+                                    << "TORN-01" << true << "Tipo de movimiento";
+        QTest::newRow("sin artículo") << "E"
+                                      << " " << true << "Falta el artículo";
+        QTest::newRow("sin ambiente") << "E"
+                                      << "TORN-01" << false << "PonAmbiente";
+    }
+    void documentoRechazaMovimientosIncompletos()
+    {
+        QFETCH(QString, tipo);
+        QFETCH(QString, articulo);
+        QFETCH(bool, conAmbiente);
+        QFETCH(QString, error);
+        anfitrion::DocumentoInventarioAnfitrion doc;
+        if (conAmbiente)
+            doc.PonAmbiente(base->ambiente());
+        doc.PonTipo(tipo);
+        doc.PonArticulo(articulo);
+        doc.PonAlmacen(1);
+        doc.PonCantidad(2);
+        qint32 n = 0;
+        try {
+            doc.AplicaMovimiento(n);
+            QFAIL("se aplicó un movimiento incompleto");
+        } catch (const Error &e) {
+            QVERIFY2(e.description().contains(error), qPrintable(e.description()));
+        }
+        QCOMPARE(base->escalar("SELECT COUNT(*) FROM movimientos").toInt(), 0);
+        QCOMPARE(existencia(*base, "TORN-01", 1), 5000.0);
+    }
+
+    void documentoAplicaFilaYExistenciaJuntas()
+    {
+        anfitrion::DocumentoInventarioAnfitrion doc;
+        doc.PonAmbiente(base->ambiente());
+        doc.PonTipo("s");
+        doc.PonArticulo("TORN-01");
+        doc.PonAlmacen(1);
+        doc.PonCantidad(4);
+        doc.PonCosto(0.5);
+        qint32 n = 0;
+        QCOMPARE(doc.AplicaMovimiento(n), 2.0);
+        QVERIFY(n > 0);
+        QCOMPARE(existencia(*base, "TORN-01", 1), 4996.0);
+
+        // A stock change the database refuses takes the movement row with it.
+        if (BaseDePrueba::enMariaDB())
+            base->ejecuta("CREATE TRIGGER bloquea BEFORE UPDATE ON existencias FOR EACH ROW "
+                          "SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT = 'bloqueada'");
+        else
+            base->ejecuta("CREATE TRIGGER bloquea BEFORE UPDATE ON existencias BEGIN "
+                          "SELECT RAISE(ABORT, 'bloqueada'); END");
+        QVERIFY_THROWS_EXCEPTION(Error, doc.AplicaMovimiento(n));
+        QCOMPARE(base->escalar("SELECT COUNT(*) FROM movimientos").toInt(), 1);
+        QCOMPARE(existencia(*base, "TORN-01", 1), 4996.0);
+    }
+
+    void ventanaProgresoPasaAlaInteraccion()
+    {
+        {
+            anfitrion::VentanaProgresoAnfitrion v;
+            v.Avanza(QVariant::fromValue<qint32>(1), "x", "");
+            v.Cierra(); // harmless without Inicia
+            QVERIFY(ui->llamadasProgreso().isEmpty());
+            v.Inicia(QVariant::fromValue<qint32>(3), "Titulo", "C:\\App\\Images\\Gears.Avi");
+            v.Avanza(QVariant::fromValue<qint32>(2), "uno", "dos");
+        } // going away closes it
+        const auto &pr = ui->llamadasProgreso();
+        QCOMPARE(pr.size(), 3);
+        QCOMPARE(pr.at(0).numero, 3);
+        QCOMPARE(pr.at(0).texto2, QStringLiteral("C:\\App\\Images\\Gears.Avi"));
+        QCOMPARE(pr.at(1).texto2, QStringLiteral("dos"));
+        QCOMPARE(pr.at(2).operacion, QStringLiteral("cierra"));
     }
 
     void conexionPerdidaAMitadDeEntrega()

@@ -22,9 +22,10 @@ QString classKey(const QString &classId)
     return QStringLiteral("CLSID/") + id;
 }
 
+// Names are found without regard to case, as class ids are.
 QString nameKey(const QString &progId)
 {
-    return QStringLiteral("ProgID/") + progId.trimmed();
+    return QStringLiteral("ProgID/") + progId.trimmed().toLower();
 }
 
 bool looksLikeClassId(const QString &s)

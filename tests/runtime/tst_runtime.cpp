@@ -196,6 +196,8 @@ private Q_SLOTS:
         // By class id, with or without braces and in any case.
         QCOMPARE(components::libraryFor(id.toLower(), file), QStringLiteral("/ruta/lib.so"));
         QCOMPARE(components::libraryFor(id.mid(1, 36), file), QStringLiteral("/ruta/lib.so"));
+        QCOMPARE(components::libraryFor(QStringLiteral("lib.CLASE"), file),
+                 QStringLiteral("/ruta/lib.so"));
         QVERIFY(components::libraryFor(QStringLiteral("Otra.Clase"), file).isEmpty());
         // A library that is not there: a clear error, not a crash.
         try {

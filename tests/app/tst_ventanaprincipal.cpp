@@ -1,19 +1,18 @@
 // The main window "frmMaster" over a demo database, with the component loaded
-// by name and the interaction seam scripted. The shell's sources are compiled
-// in, as the executable does not export them.
+// by name and the interaction seam scripted.
 
-#include "app/Comandos.cpp"
-#include "app/Componente.cpp"
-#include "app/DialogoKit.cpp"
-#include "app/Kits.cpp"
-#include "app/LineaComandos.cpp"
-#include "app/VentanaPrincipal.cpp"
+#include "app/Comandos.h"
+#include "app/Componente.h"
+#include "app/DialogoKit.h"
+#include "app/Kits.h"
+#include "app/VentanaPrincipal.h"
 
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"
 
 #include <QTimer>
 #include <QtTest>
+#include <QtWidgets>
 
 using namespace zuvi;
 using zuvi::pruebas::BaseDePrueba;
@@ -158,6 +157,4 @@ private slots:
 };
 
 QTEST_MAIN(TstVentanaPrincipal)
-#include "app/moc_DialogoKit.cpp"
-#include "app/moc_VentanaPrincipal.cpp"
 #include "tst_ventanaprincipal.moc"

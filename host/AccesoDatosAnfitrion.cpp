@@ -56,8 +56,7 @@ bool ubicacionRestringe(const QString &ubicacion, int almacen)
 
 RecordsetPtr AccesoDatosAnfitrion::Consulta(const QString &sql, const QSqlDatabase &conexion, VBool)
 {
-    QSqlQuery q = ejecuta(conexion, sql);
-    return Recordset::fromQuery(q);
+    return consulta(conexion, sql);
 }
 
 double AccesoDatosAnfitrion::ValorNumerico(const QVariant &valor)

@@ -65,8 +65,7 @@ QString AmbienteAnfitrion::RutaAplicacion() const
 
 QVariant AmbienteAnfitrion::EjecutaSQL(const QString &sql)
 {
-    QSqlQuery q = ejecuta(m_conexion, sql);
-    return q.numRowsAffected();
+    return ejecutaAccion(m_conexion, sql).filas;
 }
 
 QDateTime AmbienteAnfitrion::ahora() const

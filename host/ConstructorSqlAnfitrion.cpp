@@ -238,7 +238,7 @@ void ConstructorSqlAnfitrion::Ejecuta()
     if (!m_hayConexion || !m_conexion.isValid())
         throw Error(QStringLiteral("El constructor de sentencias no tiene conexión con la base de "
                                    "datos."));
-    ejecutaConValores(m_conexion, m_sentencia, m_valores, m_texto);
+    ejecutaAccion(m_conexion, m_sentencia, m_valores, m_texto);
 }
 
 } // namespace zuvi::anfitrion

@@ -61,10 +61,11 @@ QString conValores(const QString &sql, const QVariantList &valores)
 
 // The values are written into the traced text only when a trace is kept:
 // building it costs as much as a good part of the statement itself.
-QSqlQuery ejecutaTrazada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
+ResultadoAccion ejecutaTrazada(const QSqlDatabase &db, const QString &sql,
+                               const QVariantList &valores)
 {
-    return ejecutaConValores(db, sql, valores,
-                             archivoTraza().isEmpty() ? sql : conValores(sql, valores));
+    return ejecutaAccion(db, sql, valores,
+                         archivoTraza().isEmpty() ? sql : conValores(sql, valores));
 }
 
 } // namespace
@@ -152,30 +153,12 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
 
     // The row and the stock go together or not at all. A caller that already
     // holds a transaction keeps it; this posting then joins it.
-    QSqlDatabase conexion = db;
-    const bool propia = conexion.transaction();
-    if (propia)
-        traza(QStringLiteral("BEGIN"));
-    try {
-        QSqlQuery q = ejecutaTrazada(db, kInserta, fila);
-        const QVariant id = q.lastInsertId();
-        q.finish();
-        ejecutaTrazada(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
-                       {m_articulo, almacen, cambio});
-        if (propia) {
-            traza(QStringLiteral("COMMIT"));
-            if (!conexion.commit())
-                throw Error(QStringLiteral("No se pudo confirmar el movimiento de %1: %2")
-                                .arg(m_articulo, conexion.lastError().text()));
-        }
-        numero = id.isValid() ? id.toInt() : 0;
-    } catch (...) {
-        if (propia) {
-            traza(QStringLiteral("ROLLBACK"));
-            conexion.rollback();
-        }
-        throw;
-    }
+    Transaccion transaccion(db);
+    const QVariant id = ejecutaTrazada(db, kInserta, fila).ultimoId;
+    ejecutaTrazada(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
+                   {m_articulo, almacen, cambio});
+    transaccion.confirma();
+    numero = id.isValid() ? id.toInt() : 0;
     return importe;
 }
 

@@ -135,6 +135,7 @@ Sesion::Sesion() : d(std::make_unique<Datos>()) {}
 Sesion::~Sesion()
 {
     d->ambiente.reset();
+    olvidaSentencias(d->db);
     if (d->db.isValid())
         d->db.close();
     d->db = QSqlDatabase();

@@ -3,6 +3,8 @@
 #include "runtime/Error.h"
 
 #include <QFile>
+#include <QHash>
+#include <QSqlDriver>
 #include <QSqlError>
 
 namespace zuvi::anfitrion {
@@ -44,7 +46,134 @@ QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
     return q;
 }
 
+// Prepared statements kept per connection name. The driver pointer tells a
+// connection reopened under the same name from the one the statements were
+// prepared on.
+struct Preparadas
+{
+    const QSqlDriver *driver = nullptr;
+    QHash<QString, QSqlQuery> sentencias;
+};
+
+constexpr qsizetype kMaximoPreparadas = 256;
+
+QHash<QString, Preparadas> &preparadas()
+{
+    static QHash<QString, Preparadas> cache;
+    return cache;
+}
+
+QSqlQuery &preparada(const QSqlDatabase &db, const QString &sql)
+{
+    if (!db.isOpen())
+        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
+    Preparadas &p = preparadas()[db.connectionName()];
+    if (p.driver != db.driver()) {
+        p.sentencias.clear();
+        p.driver = db.driver();
+    }
+    auto it = p.sentencias.find(sql);
+    if (it != p.sentencias.end())
+        return *it;
+    if (p.sentencias.size() >= kMaximoPreparadas)
+        p.sentencias.clear();
+    return *p.sentencias.insert(sql, prepara(db, sql));
+}
+
+// Runs a kept statement; on failure it is dropped, so a lost connection or a
+// changed table is prepared afresh next time.
+QSqlQuery &ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                            const QString &textoTraza)
+{
+    traza(textoTraza.isEmpty() ? sql : textoTraza);
+    QSqlQuery &q = preparada(db, sql);
+    for (int i = 0; i < valores.size(); ++i)
+        q.bindValue(i, valores.at(i));
+    if (!q.exec()) {
+        const QSqlQuery fallida = q;
+        preparadas()[db.connectionName()].sentencias.remove(sql);
+        falla(fallida, textoTraza.isEmpty() ? sql : textoTraza);
+    }
+    return q;
+}
+
+bool esSQLite(const QSqlDatabase &db)
+{
+    return db.driverName().startsWith(QLatin1String("QSQLITE"));
+}
+
 } // namespace
+
+RecordsetPtr consulta(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                      const QString &textoTraza)
+{
+    QSqlQuery &q = ejecutaPreparada(db, sql, valores, textoTraza);
+    RecordsetPtr filas = Recordset::fromQuery(q);
+    q.finish(); // an open read would hold SQLite's snapshot
+    return filas;
+}
+
+ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
+                              const QVariantList &valores, const QString &textoTraza)
+{
+    QSqlQuery &q = ejecutaPreparada(db, sql, valores, textoTraza);
+    ResultadoAccion r{q.numRowsAffected(), q.lastInsertId()};
+    q.finish();
+    return r;
+}
+
+void olvidaSentencias(const QSqlDatabase &db)
+{
+    preparadas().remove(db.connectionName());
+}
+
+Transaccion::Transaccion(const QSqlDatabase &db) : m_db(db), m_sqlite(esSQLite(db))
+{
+    if (m_sqlite) {
+        // Inside a transaction already: SQLite refuses a nested BEGIN; join it.
+        try {
+            ejecutaAccion(m_db, QStringLiteral("BEGIN"));
+            m_propia = true;
+        } catch (const Error &) {
+            m_propia = false;
+        }
+    } else {
+        m_propia = m_db.transaction();
+        if (m_propia)
+            traza(QStringLiteral("BEGIN"));
+    }
+}
+
+Transaccion::~Transaccion()
+{
+    if (!m_propia)
+        return;
+    try {
+        if (m_sqlite) {
+            ejecutaAccion(m_db, QStringLiteral("ROLLBACK"));
+        } else {
+            traza(QStringLiteral("ROLLBACK"));
+            m_db.rollback();
+        }
+    } catch (...) {
+        // The connection may be gone; the server rolls back on its own then.
+    }
+}
+
+void Transaccion::confirma()
+{
+    if (!m_propia)
+        return;
+    if (m_sqlite) {
+        ejecutaAccion(m_db, QStringLiteral("COMMIT"));
+    } else {
+        traza(QStringLiteral("COMMIT"));
+        if (!m_db.commit())
+            throw Error(QStringLiteral("No se pudo confirmar la transacción: %1")
+                            .arg(m_db.lastError().text()));
+    }
+    m_propia = false;
+}
 
 QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql)
 {

@@ -5,6 +5,8 @@
 // is refused on every engine), failures raised as Error with the driver's
 // text, and each statement appended to the trace file when tracing is on.
 
+#include "runtime/Recordset.h"
+
 #include <QSqlDatabase>
 #include <QSqlQuery>
 #include <QString>
@@ -19,6 +21,44 @@ QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql);
 // the trace records (the statement with its values written in).
 QSqlQuery ejecutaConValores(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                             const QString &textoTraza);
+
+// The paths for statements that run once per row or per movement. The
+// prepared statement is kept per connection and text and re-executed with new
+// values; since no query object is handed out, a kept statement is never in
+// use twice. consulta() reads every row; ejecutaAccion() returns the rows
+// affected and the id of an inserted row.
+RecordsetPtr consulta(const QSqlDatabase &db, const QString &sql, const QVariantList &valores = {},
+                      const QString &textoTraza = {});
+struct ResultadoAccion
+{
+    int filas = 0;
+    QVariant ultimoId;
+};
+ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
+                              const QVariantList &valores = {}, const QString &textoTraza = {});
+
+// Drops the statements kept for a connection. Call it before the connection
+// is closed or removed.
+void olvidaSentencias(const QSqlDatabase &db);
+
+// A transaction of its own around a few statements, rolled back unless
+// confirmed. When the connection is already inside a transaction it joins it
+// (begins and confirms nothing). On SQLite the BEGIN and COMMIT statements are
+// kept prepared like any other.
+class Transaccion
+{
+public:
+    explicit Transaccion(const QSqlDatabase &db);
+    ~Transaccion();
+    Transaccion(const Transaccion &) = delete;
+    Transaccion &operator=(const Transaccion &) = delete;
+    void confirma();
+
+private:
+    QSqlDatabase m_db;
+    bool m_propia = false;
+    bool m_sqlite = false;
+};
 
 // The statement trace: empty turns it off.
 void ponTraza(const QString &archivo);

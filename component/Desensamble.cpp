@@ -27,25 +27,9 @@ void Produccion::Desensamble(const QString &Articulo, double nCantidad, qint32 n
             return;
 
         DocumentoInventario *doc = lote::EstadoLote::de(this)->documento();
-        doc->PonAmbiente(ambiente);
-        doc->PonDatoDocumento(ambiente->DatoDocumento());
-        doc->PonTipo(QStringLiteral("E"));
-        qint32 dato = ambiente->DatoFechaA();
-        const qint32 datoB = ambiente->DatoFechaB();
-        doc->PonFecha(datos->ComponeFecha(dato, datoB));
-        if (nOp != 0) {
-            doc->PonOrden(nOp);
-            doc->PonConcepto(QStringLiteral("COP"));
-        } else {
-            dato = 0;
-            const qint32 orden =
-                datos->SiguienteFolio(QStringLiteral("DESENSAMB"), conexion, dato, nullptr);
-            doc->PonOrden(orden);
-            doc->PonConcepto(QStringLiteral("DES"));
-        }
-        doc->PonUsuario(ambiente->UsuarioActual());
-        doc->PonDatoFecha(dato);
-        doc->PonFolio(QString::number(dato));
+        lote::preparaDocumento(doc, ambiente, datos, conexion, QStringLiteral("E"), nOp,
+                               QStringLiteral("COP"), QStringLiteral("DES"),
+                               QStringLiteral("DESENSAMB"));
 
         double total = 0.0;
         while (!partes->atEnd()) {
@@ -78,14 +62,8 @@ void Produccion::Desensamble(const QString &Articulo, double nCantidad, qint32 n
             partes->moveNext();
         }
 
-        doc->PonConcepto(nOp != 0 ? QStringLiteral("COP") : QStringLiteral("DEN"));
-        doc->PonTipo(QStringLiteral("S"));
-        doc->PonAlmacen(double(nAlmacen));
-        doc->PonArticulo(Articulo);
-        doc->PonCantidad(nCantidad);
-        doc->PonCosto(total);
-        qint32 numero = 0;
-        doc->AplicaMovimiento(numero);
+        lote::aplicaKit(doc, nOp != 0 ? QStringLiteral("COP") : QStringLiteral("DEN"),
+                        QStringLiteral("S"), nAlmacen, Articulo, nCantidad, total);
     });
 }
 

@@ -29,26 +29,9 @@ void Produccion::Ensamble(const QString &Articulo, qint32 nAlmacen, qint32 nCant
             return;
         DocumentoInventario *doc = estado->documento();
 
-        doc->PonAmbiente(ambiente);
-        doc->PonDatoDocumento(ambiente->DatoDocumento());
-        doc->PonTipo(QStringLiteral("S"));
-        qint32 dato = ambiente->DatoFechaA();
-        const qint32 datoB = ambiente->DatoFechaB();
-        doc->PonFecha(datos->ComponeFecha(dato, datoB));
-        if (nOp != 0) {
-            doc->PonOrden(nOp);
-            doc->PonConcepto(QStringLiteral("OP"));
-        } else {
-            // The numbering may leave a document number in dato; it becomes the folio.
-            dato = 0;
-            const qint32 orden =
-                datos->SiguienteFolio(QStringLiteral("ENSAMBLE"), conexion, dato, nullptr);
-            doc->PonOrden(orden);
-            doc->PonConcepto(QStringLiteral("EN"));
-        }
-        doc->PonUsuario(ambiente->UsuarioActual());
-        doc->PonDatoFecha(dato);
-        doc->PonFolio(QString::number(dato));
+        lote::preparaDocumento(doc, ambiente, datos, conexion, QStringLiteral("S"), nOp,
+                               QStringLiteral("OP"), QStringLiteral("EN"),
+                               QStringLiteral("ENSAMBLE"));
 
         double total = 0.0;
         while (!partes->atEnd()) {
@@ -70,14 +53,8 @@ void Produccion::Ensamble(const QString &Articulo, qint32 nAlmacen, qint32 nCant
             partes->moveNext();
         }
 
-        doc->PonConcepto(nOp != 0 ? QStringLiteral("OP") : QStringLiteral("DE"));
-        doc->PonTipo(QStringLiteral("E"));
-        doc->PonAlmacen(double(nAlmacen));
-        doc->PonArticulo(Articulo);
-        doc->PonCantidad(double(nCantidad));
-        doc->PonCosto(total);
-        qint32 numero = 0;
-        doc->AplicaMovimiento(numero);
+        lote::aplicaKit(doc, nOp != 0 ? QStringLiteral("OP") : QStringLiteral("DE"),
+                        QStringLiteral("E"), nAlmacen, Articulo, double(nCantidad), total);
     });
 }
 

@@ -64,6 +64,44 @@ bool consultaProceso(VBool bandera)
     return true;
 }
 
+void preparaDocumento(DocumentoInventario *doc, Ambiente *ambiente, AccesoDatos *datos,
+                      const QSqlDatabase &conexion, const QString &tipo, qint32 nOp,
+                      const QString &conceptoConOrden, const QString &conceptoSinOrden,
+                      const QString &claveFolio)
+{
+    doc->PonAmbiente(ambiente);
+    doc->PonDatoDocumento(ambiente->DatoDocumento());
+    doc->PonTipo(tipo);
+    qint32 dato = ambiente->DatoFechaA();
+    const qint32 datoB = ambiente->DatoFechaB();
+    doc->PonFecha(datos->ComponeFecha(dato, datoB));
+    if (nOp != 0) {
+        doc->PonOrden(nOp);
+        doc->PonConcepto(conceptoConOrden);
+    } else {
+        // The numbering may leave a document number in dato; it becomes the folio.
+        dato = 0;
+        doc->PonOrden(datos->SiguienteFolio(claveFolio, conexion, dato, nullptr));
+        doc->PonConcepto(conceptoSinOrden);
+    }
+    doc->PonUsuario(ambiente->UsuarioActual());
+    doc->PonDatoFecha(dato);
+    doc->PonFolio(QString::number(dato));
+}
+
+void aplicaKit(DocumentoInventario *doc, const QString &concepto, const QString &tipo,
+               qint32 almacen, const QString &articulo, double cantidad, double costo)
+{
+    doc->PonConcepto(concepto);
+    doc->PonTipo(tipo);
+    doc->PonAlmacen(double(almacen));
+    doc->PonArticulo(articulo);
+    doc->PonCantidad(cantidad);
+    doc->PonCosto(costo);
+    qint32 numero = 0;
+    doc->AplicaMovimiento(numero);
+}
+
 RecordsetPtr consulta(AccesoDatos *datos, const QString &sql, const QSqlDatabase &conexion)
 {
     RecordsetPtr rs = datos->Consulta(sql, conexion, VTrue);

@@ -41,6 +41,19 @@ private:
 VBool iniciaProceso(const QString &clave, QPointer<QObject> &objeto, Ambiente *ambiente);
 bool consultaProceso(VBool bandera);
 
+// The movement document's header, prepared the same way for assembly and
+// disassembly but for the components' direction, the concepts and the
+// numbering key: with an order, the order and conceptoConOrden; without one,
+// a number drawn from claveFolio and conceptoSinOrden.
+void preparaDocumento(DocumentoInventario *doc, Ambiente *ambiente, AccesoDatos *datos,
+                      const QSqlDatabase &conexion, const QString &tipo, qint32 nOp,
+                      const QString &conceptoConOrden, const QString &conceptoSinOrden,
+                      const QString &claveFolio);
+
+// The kit's own movement after its components, valued at their total.
+void aplicaKit(DocumentoInventario *doc, const QString &concepto, const QString &tipo,
+               qint32 almacen, const QString &articulo, double cantidad, double costo);
+
 // A recordset from Consulta, never null.
 RecordsetPtr consulta(AccesoDatos *datos, const QString &sql, const QSqlDatabase &conexion);
 

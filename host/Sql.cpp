@@ -23,9 +23,8 @@ Traza &estado()
     return t;
 }
 
-[[noreturn]] void falla(const QSqlQuery &q, const QString &sql)
+[[noreturn]] void falla(const QSqlError &e, const QString &sql)
 {
-    const QSqlError e = q.lastError();
     QString texto = e.databaseText().trimmed();
     if (texto.isEmpty())
         texto = e.text().trimmed();
@@ -42,7 +41,7 @@ QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(sql))
-        falla(q, sql);
+        falla(q.lastError(), sql);
     return q;
 }
 
@@ -90,9 +89,9 @@ QSqlQuery &ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QV
     for (int i = 0; i < valores.size(); ++i)
         q.bindValue(i, valores.at(i));
     if (!q.exec()) {
-        const QSqlQuery fallida = q;
+        const QSqlError error = q.lastError();
         preparadas()[db.connectionName()].sentencias.remove(sql);
-        falla(fallida, textoTraza.isEmpty() ? sql : textoTraza);
+        falla(error, textoTraza.isEmpty() ? sql : textoTraza);
     }
     return q;
 }
@@ -180,7 +179,7 @@ QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql)
     traza(sql);
     QSqlQuery q = prepara(db, sql);
     if (!q.exec())
-        falla(q, sql);
+        falla(q.lastError(), sql);
     return q;
 }
 
@@ -192,7 +191,7 @@ QSqlQuery ejecutaConValores(const QSqlDatabase &db, const QString &sql, const QV
     for (int i = 0; i < valores.size(); ++i)
         q.bindValue(i, valores.at(i));
     if (!q.exec())
-        falla(q, textoTraza);
+        falla(q.lastError(), textoTraza);
     return q;
 }
 

@@ -151,9 +151,9 @@ void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &ar
         QStringLiteral("SELECT oppart.articulo, prods.descrip, oppart.cantidad, oppart.precio, "
                        "oppart.observ FROM oppart LEFT JOIN prods ON prods.articulo = "
                        "oppart.articulo WHERE oppart.op = ");
-    QSqlQuery qp = ejecutaConValores(db, sqlPartidas + QLatin1Char('?'), {op},
-                                     sqlPartidas + QString::number(op) +
-                                         QStringLiteral(" ORDER BY oppart.id_entrada"));
+    const QString orden = QStringLiteral(" ORDER BY oppart.id_entrada");
+    QSqlQuery qp = ejecutaConValores(db, sqlPartidas + QLatin1Char('?') + orden, {op},
+                                     sqlPartidas + QString::number(op) + orden);
     const RecordsetPtr partidas = Recordset::fromQuery(qp);
 
     const QFileInfo destino(archivo);

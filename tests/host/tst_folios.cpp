@@ -1,10 +1,7 @@
 // Runs on SQLite and again on the MariaDB test server: ZUVI_PRUEBA_AMBAS_BASES
-//
-// The concurrency test starts this same executable several times with
-// "--hijo URL CLAVE N": each child opens the database and prints N numbers
-// drawn from the key, one a line.
+// The concurrency test starts this executable again as "--hijo URL CLAVE N": each
+// child opens the database and prints N numbers drawn from the key, one a line.
 
-#include "host/Anfitrion.h"
 #include "host/Folios.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
@@ -18,154 +15,83 @@
 
 using namespace zuvi;
 using namespace zuvi::anfitrion;
-using zuvi::pruebas::BaseDePrueba;
-
-namespace {
-
-int hijo(int argc, char **argv)
-{
-    QCoreApplication app(argc, argv);
-    const QStringList args = app.arguments();
-    if (args.size() != 5)
-        return 2;
-    try {
-        Opciones o;
-        o.base = args.at(2);
-        auto sesion = Sesion::abre(o, false);
-        const int n = args.at(4).toInt();
-        QByteArray salida;
-        for (int i = 0; i < n; ++i)
-            salida += QByteArray::number(siguienteFolio(sesion->conexion(), args.at(3))) + '\n';
-        std::fwrite(salida.constData(), 1, size_t(salida.size()), stdout);
-        return 0;
-    } catch (const Error &e) {
-        std::fprintf(stderr, "%s\n", e.what());
-        return 1;
-    }
-}
-
-} // namespace
 
 class TstFolios : public QObject
 {
     Q_OBJECT
 
 private Q_SLOTS:
-    void primerNumero_data()
+    void primerNumeroContadorYLimite()
     {
-        QTest::addColumn<QString>("clave");
-        QTest::addColumn<bool>("demo");
-        QTest::addColumn<int>("primero");
-        // The demo's orders go up to 3 and its lines up to 3.
-        QTest::newRow("Op con órdenes") << "Op" << true << 4;
-        QTest::newRow("oppart con partidas") << "oppart" << true << 4;
-        QTest::newRow("Op sin órdenes") << "Op" << false << 1;
-        QTest::newRow("clave nueva") << "ENSAMBLE" << true << 1;
-    }
-
-    void primerNumero()
-    {
-        QFETCH(QString, clave);
-        QFETCH(bool, demo);
-        QFETCH(int, primero);
-        BaseDePrueba base(demo);
-        QCOMPARE(siguienteFolio(base.conexion(), clave), primero);
-        QCOMPARE(siguienteFolio(base.conexion(), clave), primero + 1);
-        // Another key has its own counter.
-        QCOMPARE(siguienteFolio(base.conexion(), QStringLiteral("DESENSAMB")), 1);
-        QCOMPARE(siguienteFolio(base.conexion(), clave), primero + 2);
-        QCOMPARE(
-            base.escalar(QStringLiteral("SELECT ultimo FROM folios WHERE clave = '%1'").arg(clave))
-                .toInt(),
-            primero + 2);
-    }
-
-    void contadorGuardadoManda()
-    {
-        BaseDePrueba base(true);
+        pruebas::BaseDePrueba demo(true), vacia(false);
+        // A new key starts above the numbers in use (the demo's orders and lines go up to 3).
+        QCOMPARE(siguienteFolio(vacia.conexion(), QStringLiteral("Op")), 1);
+        QCOMPARE(siguienteFolio(demo.conexion(), QStringLiteral("Op")), 4);
+        QCOMPARE(siguienteFolio(demo.conexion(), QStringLiteral("oppart")), 4);
+        QCOMPARE(siguienteFolio(demo.conexion(), QStringLiteral("ENSAMBLE")), 1);
+        QCOMPARE(siguienteFolio(demo.conexion(), QStringLiteral("op")), 5); // any case, own count
         // Once a counter exists it is the only authority, even below the orders.
-        base.ejecuta(QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES ('Op', 1)"));
-        QCOMPARE(siguienteFolio(base.conexion(), QStringLiteral("Op")), 2);
-        // Keys compare without regard to case, on both engines.
-        QCOMPARE(siguienteFolio(base.conexion(), QStringLiteral("OP")), 3);
-        QCOMPARE(base.escalar(QStringLiteral("SELECT COUNT(*) FROM folios")).toInt(), 1);
-    }
+        vacia.ejecuta("INSERT INTO op (op, estado) VALUES (50, 'PE')");
+        QCOMPARE(siguienteFolio(vacia.conexion(), QStringLiteral("OP")), 2);
 
-    void errores()
-    {
-        BaseDePrueba base(false);
-        base.ejecuta(
-            QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES ('TOPE', 2147483646)"));
-        QVERIFY_THROWS_EXCEPTION(Error, siguienteFolio(base.conexion(), QStringLiteral("TOPE")));
-        // The failed draw left the counter where it was.
-        QCOMPARE(base.escalar(QStringLiteral("SELECT ultimo FROM folios WHERE clave = 'TOPE'"))
-                     .toLongLong(),
+        // A counter at its limit refuses and stays; a blank key is refused.
+        vacia.ejecuta("INSERT INTO folios (clave, ultimo) VALUES ('TOPE', 2147483646)");
+        QVERIFY_THROWS_EXCEPTION(Error, siguienteFolio(vacia.conexion(), QStringLiteral("TOPE")));
+        QCOMPARE(vacia.escalar("SELECT ultimo FROM folios WHERE clave = 'TOPE'").toLongLong(),
                  2147483646LL);
-        QVERIFY_THROWS_EXCEPTION(Error, siguienteFolio(base.conexion(), QStringLiteral("  ")));
-        // The connection is usable after the failure (no transaction left open).
-        QCOMPARE(siguienteFolio(base.conexion(), QStringLiteral("OTRA")), 1);
+        QVERIFY_THROWS_EXCEPTION(Error, siguienteFolio(vacia.conexion(), QStringLiteral("  ")));
+        // No transaction is left open after the failures.
+        QCOMPARE(siguienteFolio(vacia.conexion(), QStringLiteral("OTRA")), 1);
     }
 
     void variosProcesosNuncaRepiten()
     {
-        constexpr int kProcesos = 4;
-        constexpr int kPorProceso = 500;
-        BaseDePrueba base(false);
-        QList<QProcess *> hijos;
-        auto limpia = qScopeGuard([&] {
-            for (QProcess *p : hijos) {
-                if (p->state() != QProcess::NotRunning) {
-                    p->kill();
-                    p->waitForFinished(5000);
-                }
-                delete p;
-            }
-        });
+        constexpr int kProcesos = 4, kPorProceso = 500;
+        pruebas::BaseDePrueba base(false);
+        std::vector<std::unique_ptr<QProcess>> hijos;
         for (int i = 0; i < kProcesos; ++i) {
-            auto *p = new QProcess;
-            hijos << p;
-            p->start(QCoreApplication::applicationFilePath(),
-                     {QStringLiteral("--hijo"), base.url(), QStringLiteral("PRUEBA"),
-                      QString::number(kPorProceso)});
+            hijos.push_back(std::make_unique<QProcess>());
+            hijos.back()->start(QCoreApplication::applicationFilePath(),
+                                {"--hijo", base.url(), "PRUEBA", QString::number(kPorProceso)});
         }
         QSet<int> numeros;
-        int leidos = 0;
-        for (QProcess *p : hijos) {
+        for (auto &p : hijos) {
             QVERIFY(p->waitForFinished(300000));
             QVERIFY2(p->exitStatus() == QProcess::NormalExit && p->exitCode() == 0,
                      p->readAllStandardError().constData());
-            const QList<QByteArray> lineas = p->readAllStandardOutput().split('\n');
-            int propios = 0;
-            int anterior = 0;
-            for (const QByteArray &l : lineas) {
-                if (l.isEmpty())
-                    continue;
-                const int n = l.toInt();
-                // Each process sees its own numbers grow.
-                QVERIFY(n > anterior);
-                anterior = n;
-                numeros.insert(n);
-                ++propios;
+            const QList<QByteArray> lineas = p->readAllStandardOutput().trimmed().split('\n');
+            QCOMPARE(lineas.size(), kPorProceso);
+            int anterior = 0; // each process sees its own numbers grow, from 1 on
+            for (const QByteArray &linea : lineas) {
+                QVERIFY(linea.toInt() > anterior);
+                numeros.insert(anterior = linea.toInt());
             }
-            QCOMPARE(propios, kPorProceso);
-            leidos += propios;
         }
-        QCOMPARE(leidos, kProcesos * kPorProceso);
+        // 2,000 distinct numbers and none lost: exactly 1 to 2,000.
         QCOMPARE(numeros.size(), kProcesos * kPorProceso);
-        // No number was lost either: exactly 1 to 2000.
-        for (int n = 1; n <= kProcesos * kPorProceso; ++n)
-            QVERIFY2(numeros.contains(n), qPrintable(QString::number(n)));
-        QCOMPARE(base.escalar(QStringLiteral("SELECT ultimo FROM folios WHERE clave = 'PRUEBA'"))
-                     .toInt(),
+        QCOMPARE(*std::max_element(numeros.begin(), numeros.end()), kProcesos * kPorProceso);
+        QCOMPARE(base.escalar("SELECT ultimo FROM folios WHERE clave = 'PRUEBA'").toInt(),
                  kProcesos * kPorProceso);
     }
 };
 
 int main(int argc, char **argv)
 {
-    if (argc > 1 && qstrcmp(argv[1], "--hijo") == 0)
-        return hijo(argc, argv);
     QCoreApplication app(argc, argv);
+    const QStringList args = app.arguments();
+    if (args.size() == 5 && args.at(1) == QLatin1String("--hijo")) {
+        try {
+            Opciones o;
+            o.base = args.at(2);
+            auto sesion = Sesion::abre(o, false);
+            for (int i = 0; i < args.at(4).toInt(); ++i)
+                std::printf("%d\n", siguienteFolio(sesion->conexion(), args.at(3)));
+            return 0;
+        } catch (const Error &e) {
+            std::fprintf(stderr, "%s\n", e.what());
+            return 1;
+        }
+    }
     TstFolios prueba;
     QTEST_SET_MAIN_SOURCE_PATH
     return QTest::qExec(&prueba, argc, argv);

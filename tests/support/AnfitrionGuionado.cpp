@@ -4,7 +4,7 @@
 #include "runtime/ClassRegistry.h"
 #include "runtime/Error.h"
 
-#include <algorithm>
+#include <QRegularExpression>
 
 namespace zuvi::pruebas {
 
@@ -18,41 +18,54 @@ QString nombre(const QObject *o)
 {
     if (!o)
         return QStringLiteral("nada");
-    return o->objectName().isEmpty() ? QString::fromLatin1(o->metaObject()->className())
-                                     : o->objectName();
+    return o->objectName().isEmpty() ? o->metaObject()->className() : o->objectName();
 }
 
-class AmbienteGuionado : public zuvi::Ambiente
+QString texto(const QString &s)
 {
-public:
-    explicit AmbienteGuionado(AnfitrionGuionado *a) : m(a) { setObjectName("Ambiente"); }
+    return s.isNull() ? QStringLiteral("nulo") : s.isEmpty() ? QStringLiteral("''") : s;
+}
+
+QString valor(const QVariant &v)
+{
+    return QString::fromLatin1(v.typeName()) + QLatin1Char(':') + texto(v.toString());
+}
+
+QString numero(double d)
+{
+    return QString::number(d, 'g', 15);
+}
+
+// Every scripted class reports to the one host.
+template <typename Base> struct Guionado : Base
+{
+    explicit Guionado(AnfitrionGuionado *a) : m(a) {}
+    AnfitrionGuionado *m;
+};
+
+struct AmbienteGuionado : Guionado<zuvi::Ambiente>
+{
+    explicit AmbienteGuionado(AnfitrionGuionado *a) : Guionado(a) { setObjectName("Ambiente"); }
 
     QSqlDatabase Conexion() const override { return QSqlDatabase(); }
     QString UsuarioActual() const override { return QStringLiteral("PRUEBA"); }
     QString RutaAplicacion() const override { return QStringLiteral("/opt/zuvi"); }
     QVariant EjecutaSQL(const QString &sql) override
     {
-        m->ejecutaSQL(sql);
+        m->anota(QStringLiteral("EjecutaSQL"), {sql});
         return QVariant();
     }
     qint32 DatoFechaA() const override { return 11; }
     qint32 DatoFechaB() const override { return 22; }
     QVariant DatoDocumento() const override { return QStringLiteral("DOC"); }
-    RecordsetPtr ParametrosEstacion() override
-    {
-        return std::make_shared<Recordset>(QStringList{"Almacen", "Lector"},
-                                           QList<QVariantList>{{1, 0}});
-    }
+    RecordsetPtr ParametrosEstacion() override { return std::make_shared<Recordset>(); }
     QObject *ContenedorRutas() override { return nullptr; }
-
-private:
-    AnfitrionGuionado *m;
 };
 
-class AccesoDatosGuionado : public AccesoDatos
+// Only what the batch operations call is logged; the rest is inert.
+struct AccesoDatosGuionado : Guionado<AccesoDatos>
 {
-public:
-    explicit AccesoDatosGuionado(AnfitrionGuionado *a) : m(a) {}
+    using Guionado::Guionado;
 
     RecordsetPtr Consulta(const QString &sql, const QSqlDatabase &, VBool) override
     {
@@ -61,36 +74,30 @@ public:
     double ValorNumerico(const QVariant &v) override { return variantToDouble(v); }
     QString ValorTexto(const QVariant &v) override { return variantToText(v); }
     VBool EstaVacio(const QString &t) override { return toVBool(t.trimmed().isEmpty()); }
-    QString TraeMensaje(qint32 numero, zuvi::Ambiente *) override
+    QString TraeMensaje(qint32 n, zuvi::Ambiente *) override
     {
-        m->anota("TraeMensaje", {QString::number(numero)});
-        return QStringLiteral("Mensaje %1").arg(numero);
+        return QString("Mensaje %1").arg(n);
     }
-    void Mensaje(const QString &texto, qint32 estilo, zuvi::Ambiente *) override
+    void Mensaje(const QString &, qint32, zuvi::Ambiente *) override {}
+    VBool Pregunta(const QString &t, qint32 valor) override
     {
-        m->anota("Mensaje", {AnfitrionGuionado::texto(texto), QString::number(estilo)});
-    }
-    VBool Pregunta(const QString &texto, qint32 valor) override
-    {
-        m->anota("Pregunta", {AnfitrionGuionado::texto(texto), QString::number(valor)});
+        m->anota("Pregunta", {texto(t), QString::number(valor)});
         return toVBool(m->pregunta());
     }
+    // Returns 500 and leaves 77 as the document number.
     qint32 SiguienteFolio(const QString &clave, const QSqlDatabase &, qint32 &documento,
                           ConstructorSql *constructor) override
     {
         m->anota("SiguienteFolio", {clave, QString::number(documento), nombre(constructor)});
-        documento = m->documentoFolio();
-        return m->folio();
+        documento = 77;
+        return 500;
     }
     QDate ComponeFecha(qint32 a, qint32 b) override
     {
         m->anota("ComponeFecha", {QString::number(a), QString::number(b)});
         return QDate(2024, 5, 17);
     }
-    ConstructorSql *NuevoConstructorSql() override
-    {
-        throw Error(QStringLiteral("El anfitrión de prueba no construye sentencias."));
-    }
+    ConstructorSql *NuevoConstructorSql() override { throw Error(QStringLiteral("sin SQL")); }
     void PreparaVentana(QWidget *, zuvi::Ambiente *, const QString &) override {}
     void LiberaVentana(QWidget *, zuvi::Ambiente *, const QString &) override {}
     VBool ExisteClave(const QString &, const QString &, const QString &, const QSqlDatabase &,
@@ -105,157 +112,87 @@ public:
     QString FormateaCampo(QLineEdit *, zuvi::Ambiente *) override { return QString(); }
     qint32 FiltroMayusculas(QLineEdit *, qint32 &tecla) override { return tecla; }
     qint32 FiltroTecla(VBool, QLineEdit *, qint32 &tecla) override { return tecla; }
-    QString TextoConCeros(double n, qint32 ancho) override
-    {
-        return QStringLiteral("%1").arg(qint64(n), ancho, 10, QLatin1Char('0'));
-    }
-    QString FechaSQL(const QSqlDatabase &, const QDate &f) override
-    {
-        return f.toString(QStringLiteral("'yyyy-MM-dd'"));
-    }
-
-private:
-    AnfitrionGuionado *m;
+    QString TextoConCeros(double, qint32) override { return QString(); }
+    QString FechaSQL(const QSqlDatabase &, const QDate &) override { return QString(); }
 };
 
-class ControlProcesosGuionado : public ControlProcesos
+struct ControlProcesosGuionado : Guionado<ControlProcesos>
 {
-public:
-    explicit ControlProcesosGuionado(AnfitrionGuionado *a) : m(a) {}
+    using Guionado::Guionado;
 
     void IniciaProceso(ArgumentosProceso &a) override
     {
-        m->anota("IniciaProceso",
-                 {a.proceso, nombre(a.objeto), nombre(a.ambiente),
-                  AnfitrionGuionado::valor(a.valor), nombre(a.referencia),
-                  QString::number(a.bandera), QString::number(a.numero),
-                  AnfitrionGuionado::texto(a.texto), AnfitrionGuionado::texto(a.textoNulo),
-                  AnfitrionGuionado::texto(a.textoFinal), nombre(a.referenciaFinal)});
+        m->anota("IniciaProceso", {a.proceso, nombre(a.objeto), nombre(a.ambiente), valor(a.valor),
+                                   nombre(a.referencia), QString::number(a.bandera),
+                                   QString::number(a.numero), texto(a.texto), texto(a.textoNulo),
+                                   texto(a.textoFinal), nombre(a.referenciaFinal)});
         m_ultima = a.proceso;
-        m->iniciando(a);
     }
     void ConsultaProceso(VBool &bandera) override
     {
         m->anota("ConsultaProceso", {QString::number(bandera)});
         bandera = m->vetada(m_ultima) ? VTrue : VFalse;
     }
-    void ImprimeReporte(const QString &reporte, qint32 numero, zuvi::Ambiente *, QObject *) override
-    {
-        m->anota("ImprimeReporte", {reporte, QString::number(numero)});
-    }
-    void CierraProceso(qint32 valor) override
-    {
-        m->anota("CierraProceso", {QString::number(valor)});
-    }
+    void ImprimeReporte(const QString &, qint32, zuvi::Ambiente *, QObject *) override {}
+    void CierraProceso(qint32 v) override { m->anota("CierraProceso", {QString::number(v)}); }
 
 private:
-    AnfitrionGuionado *m;
     QString m_ultima;
 };
 
-class VentanaProgresoGuionada : public VentanaProgreso
+struct VentanaProgresoGuionada : Guionado<VentanaProgreso>
 {
-public:
-    explicit VentanaProgresoGuionada(AnfitrionGuionado *a) : m(a)
-    {
-        m->nace(QStringLiteral("VentanaProgreso"));
-    }
-    ~VentanaProgresoGuionada() override { m->muere(QStringLiteral("VentanaProgreso")); }
+    explicit VentanaProgresoGuionada(AnfitrionGuionado *a) : Guionado(a) { m->nace(kClases[3]); }
+    ~VentanaProgresoGuionada() override { m->muere(kClases[3]); }
 
     void Inicia(const QVariant &total, const QString &titulo, const QString &animacion) override
     {
-        m->anota("Inicia", {AnfitrionGuionado::valor(total), AnfitrionGuionado::texto(titulo),
-                            AnfitrionGuionado::texto(animacion)});
+        m->anota("Inicia", {valor(total), texto(titulo), texto(animacion)});
     }
     void Avanza(const QVariant &paso, const QString &l1, const QString &l2) override
     {
-        m->anota("Avanza", {AnfitrionGuionado::valor(paso), AnfitrionGuionado::texto(l1),
-                            AnfitrionGuionado::texto(l2)});
+        m->anota("Avanza", {valor(paso), texto(l1), texto(l2)});
     }
     void Cierra() override { m->anota("Cierra"); }
-
-private:
-    AnfitrionGuionado *m;
 };
 
-class DocumentoGuionado : public DocumentoInventario
+struct DocumentoGuionado : Guionado<DocumentoInventario>
 {
-public:
-    explicit DocumentoGuionado(AnfitrionGuionado *a) : m(a)
+    explicit DocumentoGuionado(AnfitrionGuionado *a) : Guionado(a)
     {
-        m->nace(QStringLiteral("DocumentoInventario"));
-        setObjectName(
-            QStringLiteral("Documento%1").arg(m->creados(QStringLiteral("DocumentoInventario"))));
+        m->nace(kClases[2]);
+        setObjectName(QStringLiteral("Documento%1").arg(m->creados(kClases[2])));
     }
-    ~DocumentoGuionado() override { m->muere(QStringLiteral("DocumentoInventario")); }
+    ~DocumentoGuionado() override { m->muere(kClases[2]); }
 
-    void PonAmbiente(zuvi::Ambiente *a) override { m->anota("PonAmbiente", {nombre(a)}); }
-    void PonDatoDocumento(const QVariant &d) override
+    void PonAmbiente(zuvi::Ambiente *a) override { pon("Ambiente", nombre(a)); }
+    void PonDatoDocumento(const QVariant &d) override { pon("DatoDocumento", valor(d)); }
+    void PonDatoFecha(qint32 d) override { pon("DatoFecha", QString::number(d)); }
+    void PonFecha(const QDate &f) override { pon("Fecha", f.toString(Qt::ISODate)); }
+    void PonTipo(const QString &t) override { pon("Tipo", texto(m_tipo = t)); }
+    void PonConcepto(const QString &c) override { pon("Concepto", texto(c)); }
+    void PonOrden(qint32 o) override { pon("Orden", QString::number(m_orden = o)); }
+    void PonFolio(const QString &f) override { pon("Folio", texto(f)); }
+    void PonUsuario(const QString &u) override { pon("Usuario", texto(u)); }
+    void PonAlmacen(double a) override { pon("Almacen", numero(m_almacen = a)); }
+    void PonArticulo(const QString &a) override { pon("Articulo", texto(m_articulo = a)); }
+    void PonCantidad(double c) override { pon("Cantidad", numero(m_cantidad = c)); }
+    void PonCosto(double c) override { pon("Costo", numero(m_costo = c)); }
+    double AplicaMovimiento(qint32 &n) override
     {
-        m->anota("PonDatoDocumento", {AnfitrionGuionado::valor(d)});
-    }
-    void PonDatoFecha(qint32 d) override
-    {
-        s.datoFecha = d;
-        m->anota("PonDatoFecha", {QString::number(d)});
-    }
-    void PonFecha(const QDate &f) override { m->anota("PonFecha", {f.toString(Qt::ISODate)}); }
-    void PonTipo(const QString &t) override
-    {
-        s.tipo = t;
-        m->anota("PonTipo", {AnfitrionGuionado::texto(t)});
-    }
-    void PonConcepto(const QString &c) override
-    {
-        s.concepto = c;
-        m->anota("PonConcepto", {AnfitrionGuionado::texto(c)});
-    }
-    void PonOrden(qint32 o) override
-    {
-        s.orden = o;
-        m->anota("PonOrden", {QString::number(o)});
-    }
-    void PonFolio(const QString &f) override
-    {
-        s.folio = f;
-        m->anota("PonFolio", {AnfitrionGuionado::texto(f)});
-    }
-    void PonUsuario(const QString &u) override
-    {
-        s.usuario = u;
-        m->anota("PonUsuario", {AnfitrionGuionado::texto(u)});
-    }
-    void PonAlmacen(double a) override
-    {
-        s.almacen = a;
-        m->anota("PonAlmacen", {AnfitrionGuionado::numero(a)});
-    }
-    void PonArticulo(const QString &a) override
-    {
-        s.articulo = a;
-        m->anota("PonArticulo", {AnfitrionGuionado::texto(a)});
-    }
-    void PonCantidad(double c) override
-    {
-        s.cantidad = c;
-        m->anota("PonCantidad", {AnfitrionGuionado::numero(c)});
-    }
-    void PonCosto(double c) override
-    {
-        s.costo = c;
-        m->anota("PonCosto", {AnfitrionGuionado::numero(c)});
-    }
-    double AplicaMovimiento(qint32 &numero) override
-    {
-        m->anota("AplicaMovimiento", {QString::number(numero)});
-        s.documento = objectName();
-        m->movimiento(s);
-        return s.cantidad * s.costo;
+        pon("Aplica", QString::number(n));
+        m->movimiento(QStringList{objectName(), m_tipo, QString::number(m_orden), numero(m_almacen),
+                                  m_articulo, numero(m_cantidad)}
+                          .join(QLatin1Char(' ')));
+        return m_cantidad * m_costo;
     }
 
 private:
-    AnfitrionGuionado *m;
-    MovimientoGuionado s;
+    void pon(const char *campo, const QString &v) { m->pon(objectName(), campo, v); }
+
+    QString m_tipo, m_articulo;
+    qint32 m_orden = 0;
+    double m_almacen = 0, m_cantidad = 0, m_costo = 0;
 };
 
 } // namespace
@@ -264,13 +201,13 @@ AnfitrionGuionado::AnfitrionGuionado() : m_ambiente(std::make_unique<AmbienteGui
 {
     modulo::reinicia();
     ClassRegistry &r = ClassRegistry::instance();
-    r.add(QStringLiteral("AccesoDatos"), [this] { return new AccesoDatosGuionado(this); });
-    r.add(QStringLiteral("ControlProcesos"), [this] { return new ControlProcesosGuionado(this); });
-    r.add(QStringLiteral("DocumentoInventario"), [this] { return new DocumentoGuionado(this); });
-    r.add(QStringLiteral("VentanaProgreso"), [this] { return new VentanaProgresoGuionada(this); });
-    setReportSink([this](const QString &, const QString &texto) {
-        m_reportes << texto;
-        anota(QStringLiteral("ReportaError"), {texto});
+    r.add(kClases.at(0), [this] { return new AccesoDatosGuionado(this); });
+    r.add(kClases.at(1), [this] { return new ControlProcesosGuionado(this); });
+    r.add(kClases.at(2), [this] { return new DocumentoGuionado(this); });
+    r.add(kClases.at(3), [this] { return new VentanaProgresoGuionada(this); });
+    setReportSink([this](const QString &, const QString &t) {
+        m_reportes << t;
+        anota(QStringLiteral("ReportaError"), {t});
     });
 }
 
@@ -282,56 +219,6 @@ AnfitrionGuionado::~AnfitrionGuionado()
     setReportSink(nullptr);
 }
 
-zuvi::Ambiente *AnfitrionGuionado::ambiente() const
-{
-    return m_ambiente.get();
-}
-
-void AnfitrionGuionado::responde(const QString &sql, const Recordset &rs, bool prefijo)
-{
-    m_respuestas << Respuesta{sql, prefijo, rs};
-}
-
-void AnfitrionGuionado::fallaConsultaTras(const QString &prefijo, int veces,
-                                          const QString &descripcion)
-{
-    m_fallasConsulta << Falla{prefijo, veces, descripcion, 0};
-}
-
-void AnfitrionGuionado::fallaEjecutaSQL(const QString &prefijo, const QString &descripcion)
-{
-    m_fallasEjecuta << qMakePair(prefijo, descripcion);
-}
-
-void AnfitrionGuionado::respuestas(std::initializer_list<bool> lista)
-{
-    for (bool b : lista)
-        m_si.enqueue(b);
-}
-
-QStringList AnfitrionGuionado::registro(const QStringList &operaciones) const
-{
-    QStringList r;
-    for (const QString &l : m_registro) {
-        const QString op = l.section(QLatin1Char(':'), 0, 0);
-        if (operaciones.contains(op))
-            r << l;
-    }
-    return r;
-}
-
-void AnfitrionGuionado::olvida()
-{
-    m_registro.clear();
-    m_movimientos.clear();
-    m_reportes.clear();
-}
-
-DocumentoInventario *AnfitrionGuionado::nuevoDocumento()
-{
-    return new DocumentoGuionado(this);
-}
-
 void AnfitrionGuionado::anota(const QString &operacion, const QStringList &argumentos)
 {
     m_registro << (argumentos.isEmpty()
@@ -339,65 +226,29 @@ void AnfitrionGuionado::anota(const QString &operacion, const QStringList &argum
                        : operacion + QStringLiteral(": ") + argumentos.join(QStringLiteral(" | ")));
 }
 
+QStringList AnfitrionGuionado::registro(const QStringList &operaciones) const
+{
+    return m_registro.filter(QRegularExpression("^(" + operaciones.join('|') + ")(:|$)"));
+}
+
 RecordsetPtr AnfitrionGuionado::consulta(const QString &sql)
 {
     anota(QStringLiteral("Consulta"), {sql});
-    for (Falla &f : m_fallasConsulta) {
-        if (sql.startsWith(f.prefijo) && ++f.vistas > f.veces)
-            throw Error(f.descripcion);
-    }
-    const Respuesta *mejor = nullptr;
-    // A later answer for the same text replaces an earlier one.
-    for (auto it = m_respuestas.crbegin(); it != m_respuestas.crend(); ++it) {
-        const Respuesta &r = *it;
-        if (r.sql == sql && !r.prefijo)
-            return std::make_shared<Recordset>(r.rs);
-        if (r.prefijo && sql.startsWith(r.sql) && (!mejor || r.sql.size() > mejor->sql.size()))
-            mejor = &r;
-    }
-    return mejor ? std::make_shared<Recordset>(mejor->rs) : std::make_shared<Recordset>();
+    auto falla = m_fallas.find(sql);
+    if (falla != m_fallas.end() && falla->first-- <= 0)
+        throw Error(falla->second);
+    return std::make_shared<Recordset>(m_respuestas.value(sql));
 }
 
-bool AnfitrionGuionado::pregunta()
+void AnfitrionGuionado::pon(const QString &documento, const QString &campo, const QString &v)
 {
-    return m_si.isEmpty() ? false : m_si.dequeue();
-}
-
-void AnfitrionGuionado::ejecutaSQL(const QString &sql)
-{
-    anota(QStringLiteral("EjecutaSQL"), {sql});
-    for (const auto &f : std::as_const(m_fallasEjecuta)) {
-        if (sql.startsWith(f.first))
-            throw Error(f.second);
-    }
-}
-
-void AnfitrionGuionado::nace(const QString &clase)
-{
-    ++m_vivos[clase];
-    ++m_creados[clase];
-}
-
-QString AnfitrionGuionado::texto(const QString &s)
-{
-    if (s.isNull())
-        return QStringLiteral("nulo");
-    return s.isEmpty() ? QStringLiteral("''") : s;
-}
-
-QString AnfitrionGuionado::valor(const QVariant &v)
-{
-    if (!v.isValid())
-        return QStringLiteral("vacío");
-    const QString tipo = QString::fromLatin1(v.metaType().name());
-    if (v.typeId() == QMetaType::QString)
-        return tipo + QLatin1Char(':') + texto(v.toString());
-    return tipo + QLatin1Char(':') + (v.isNull() ? QStringLiteral("nulo") : v.toString());
-}
-
-QString AnfitrionGuionado::numero(double d)
-{
-    return QString::number(d, 'g', 15);
+    const QString prefijo = documento + QStringLiteral(": ");
+    const QString entrada = campo + QLatin1Char('=') + v;
+    if (!m_registro.isEmpty() && m_registro.last().startsWith(prefijo) &&
+        !m_registro.last().contains(QStringLiteral(" Aplica=")))
+        m_registro.last() += QLatin1Char(' ') + entrada;
+    else
+        m_registro << prefijo + entrada;
 }
 
 } // namespace zuvi::pruebas

@@ -1,5 +1,4 @@
-// The component as a host sees it: a plugin found through the registration
-// file, created by name, driven through its meta-object.
+// The component as a host sees it: found through the registration file, driven by name.
 
 #include "app/Componente.h"
 #include "component/Produccion.h"
@@ -14,48 +13,43 @@
 
 using namespace zuvi;
 
-namespace {
-
 const QString kProgId = QStringLiteral(ZUVI_PROG_ID);
-
-int llamaEntrada(QLibrary &plugin, const char *nombre, const QString &archivo)
-{
-    auto entrada = reinterpret_cast<int (*)(const char *)>(plugin.resolve(nombre));
-    return entrada ? entrada(QFile::encodeName(archivo).constData()) : -1;
-}
-
-} // namespace
 
 class TstComponente : public QObject
 {
     Q_OBJECT
 
     QTemporaryDir m_dir;
-    QString m_registro;
+    const QString m_registro = m_dir.filePath(QStringLiteral("componentes.ini"));
     QLibrary m_plugin{QStringLiteral(ZUVI_BIN_DIR "/ZuviProduccion.so")};
+
+    int llamaEntrada(const char *nombre, const QString &archivo)
+    {
+        auto entrada = reinterpret_cast<int (*)(const char *)>(m_plugin.resolve(nombre));
+        return entrada ? entrada(QFile::encodeName(archivo).constData()) : -1;
+    }
 
 private slots:
     void initTestCase()
     {
-        m_registro = m_dir.filePath(QStringLiteral("componentes.ini"));
         QVERIFY2(m_plugin.load(), qPrintable(m_plugin.errorString()));
-        QCOMPARE(llamaEntrada(m_plugin, "ZuviRegistraServidor", m_registro), 0);
+        QCOMPARE(llamaEntrada("ZuviRegistraServidor", m_registro), 0);
     }
 
     void registrationRoundTrip()
     {
         const QString archivo = m_dir.filePath(QStringLiteral("ida-y-vuelta.ini"));
         QSettings(archivo, QSettings::IniFormat).setValue("ProgID/Otra.Clase/CLSID", "{X}");
-        QCOMPARE(llamaEntrada(m_plugin, "ZuviRegistraServidor", archivo), 0);
-        // By name in any case, by class id with or without braces.
+        QCOMPARE(llamaEntrada("ZuviRegistraServidor", archivo), 0);
+        // By name in any case, by class id with or without braces; always the very class the host
+        // links against for early binding (one set of meta-objects).
         for (const QString &nombre :
              {kProgId, QStringLiteral("zuviproduccion.PRODUCCION"), QStringLiteral(ZUVI_CLASS_ID),
               QStringLiteral(ZUVI_CLASS_ID).mid(1, 36).toLower()}) {
             std::unique_ptr<QObject> objeto(components::createObject(nombre, archivo));
-            // One set of meta-objects: the class the host links against for early binding.
             QVERIFY2(qobject_cast<Produccion *>(objeto.get()), qPrintable(nombre));
         }
-        QCOMPARE(llamaEntrada(m_plugin, "ZuviDesregistraServidor", archivo), 0);
+        QCOMPARE(llamaEntrada("ZuviDesregistraServidor", archivo), 0);
         QVERIFY(components::libraryFor(QStringLiteral(ZUVI_CLASS_ID), archivo).isEmpty());
         QVERIFY_THROWS_EXCEPTION(Error, delete components::createObject(kProgId, archivo));
         // Other entries of the file stay.
@@ -70,71 +64,57 @@ private slots:
         QStringList info;
         for (int i = mo->classInfoOffset(); i < mo->classInfoCount(); ++i)
             info << QString::fromLatin1(mo->classInfo(i).name()) + u'=' + mo->classInfo(i).value();
-        QCOMPARE(
-            info,
-            QStringList(
-                {"LibraryName=ZuviProduccion", "LibraryID={6C1E8F3A-2B47-4D59-9E0C-7A35B1D2E864}",
-                 "InterfaceName=_Produccion", "InterfaceID={A9D4C2E1-5F38-4B6A-8C17-0E2F9B3D5A71}",
-                 "ClassName=Produccion", "ClassID={3F7B9D15-C8E2-4A06-B9D3-61E4F0A8C257}",
-                 "ProgID=ZuviProduccion.Produccion", "ImportsLibrary=ZuviEnviroment"}));
+        QCOMPARE(info.join(' '),
+                 "LibraryName=ZuviProduccion LibraryID={6C1E8F3A-2B47-4D59-9E0C-7A35B1D2E864} "
+                 "InterfaceName=_Produccion InterfaceID={A9D4C2E1-5F38-4B6A-8C17-0E2F9B3D5A71} "
+                 "ClassName=Produccion ClassID={3F7B9D15-C8E2-4A06-B9D3-61E4F0A8C257} "
+                 "ProgID=ZuviProduccion.Produccion ImportsLibrary=ZuviEnviroment");
 
-        // Each method called by name before Ambiente is set ends silently (CancelaOp
-        // answers false), but for the reports of the kit operations and the window's load.
-        const QString cabeza = QStringLiteral("ZuviProduccion|Error occured:\r\nModule: ");
+        // Called by name without Ambiente: silent (CancelaOp false) but for these reports.
         const QHash<QString, QString> reportes = {
-            {"Ensamble", cabeza + "Produccion\r\nFunction: Ensamble"},
-            {"Desensamble", cabeza + "Produccion\r\nFunction: Desensamble"},
-            {"MuestraCapturaDeFracciones", cabeza + "frmFracciones\r\nFunction: Form_Load"}};
+            {"Ensamble", "Module: Produccion\r\nFunction: Ensamble"},
+            {"Desensamble", "Module: Produccion\r\nFunction: Desensamble"},
+            {"MuestraCapturaDeFracciones", "Module: frmFracciones\r\nFunction: Form_Load"}};
         QStringList miembros, textos;
         auto restaura = qScopeGuard([] { setReportSink({}); });
-        setReportSink([&](const QString &t, const QString &x) {
-            textos << t + u'|' + x.section(QStringLiteral("\r\nDescription: "), 0, 0);
-        });
+        setReportSink([&](QString, const QString &x) { textos << x.section("\r\n", 1, 2); });
         for (int i = mo->propertyOffset(); i < mo->propertyCount(); ++i)
-            miembros << QString::fromLatin1(mo->property(i).typeName()) + u' ' +
-                            mo->property(i).name();
+            miembros << QByteArray(mo->property(i).typeName()) + ' ' + mo->property(i).name();
         for (int i = mo->methodOffset(); i < mo->methodCount(); ++i) {
             const QMetaMethod m = mo->method(i);
             const QString nombre = QString::fromLatin1(m.name());
-            QStringList firma, args;
-            for (int k = 0; k < m.parameterCount(); ++k) {
-                const QByteArray tipo = m.parameterTypes().at(k);
-                firma << QString::fromLatin1(tipo + ' ' + m.parameterNames().at(k));
-                args << (tipo == "QString" ? "SOPORTE" : tipo == "double" ? "1.5" : "1");
-            }
-            miembros << QString::fromLatin1(m.typeName()) + u' ' + nombre + u'(' +
-                            firma.join(u',') + u')';
-            QCOMPARE(app::invocaPorNombre(objeto.get(), nombre, args).valor,
+            QStringList firma;
+            for (int k = 0; k < m.parameterCount(); ++k)
+                firma << m.parameterTypes().at(k) + ' ' + m.parameterNames().at(k);
+            miembros << QString("%1 %2(%3)").arg(m.typeName(), nombre, firma.join(','));
+            const QStringList unos(m.parameterCount(), QStringLiteral("1"));
+            QCOMPARE(app::invocaPorNombre(objeto.get(), nombre, unos).valor,
                      nombre == u"CancelaOp" ? QVariant::fromValue(VFalse) : QVariant());
             QCOMPARE(std::exchange(textos, {}).join(u'|'), reportes.value(nombre));
         }
         // In published order; the optional order of the kit operations may be left out.
-        QCOMPARE(
-            miembros,
-            QStringList({"QObject* Ambiente", "QObject* Parent", "void NuevaOp()",
-                         "void ModificaOp(int nOp)", "void ConsultaOp(int nOp)",
-                         "void EntregaProductoTerminado(int nOp)",
-                         "void Ensamble(QString Articulo,int nAlmacen,int nCantidad,int nOp)",
-                         "void Ensamble(QString Articulo,int nAlmacen,int nCantidad)",
-                         "void Desensamble(QString Articulo,double nCantidad,int nAlmacen,int nOp)",
-                         "void Desensamble(QString Articulo,double nCantidad,int nAlmacen)",
-                         "zuvi::VBool CancelaOp(int nOp)", "void MuestraCapturaDeFracciones()",
-                         "void MuestraTurnos()"}));
+        QCOMPARE(miembros.join("; "),
+                 "QObject* Ambiente; QObject* Parent; void NuevaOp(); void ModificaOp(int nOp); "
+                 "void ConsultaOp(int nOp); void EntregaProductoTerminado(int nOp); "
+                 "void Ensamble(QString Articulo,int nAlmacen,int nCantidad,int nOp); "
+                 "void Ensamble(QString Articulo,int nAlmacen,int nCantidad); "
+                 "void Desensamble(QString Articulo,double nCantidad,int nAlmacen,int nOp); "
+                 "void Desensamble(QString Articulo,double nCantidad,int nAlmacen); "
+                 "zuvi::VBool CancelaOp(int nOp); void MuestraCapturaDeFracciones(); "
+                 "void MuestraTurnos()");
     }
 
+    // Something that is not an environment is not taken for one; a released environment reads
+    // back as empty, not as a dangling pointer.
     void ambienteSetByName()
     {
         std::unique_ptr<QObject> objeto(components::createObject(kProgId, m_registro));
-        auto *interfaz = qobject_cast<InterfazProduccion *>(objeto.get());
         auto base = std::make_unique<pruebas::BaseDePrueba>(false);
-        QObject *ambiente = base->ambiente();
+        QObject cualquiera, *ambiente = base->ambiente();
         QVERIFY(objeto->setProperty("Ambiente", QVariant::fromValue(ambiente)));
-        QCOMPARE(interfaz->Ambiente(), base->ambiente());
-        // Something that is not an environment is not taken for one.
-        QObject cualquiera;
+        QCOMPARE(qobject_cast<InterfazProduccion *>(objeto.get())->Ambiente(), base->ambiente());
         objeto->setProperty("Ambiente", QVariant::fromValue(&cualquiera));
         QCOMPARE(objeto->property("Ambiente").value<QObject *>(), nullptr);
-        // A released environment reads back as empty, not as a dangling pointer.
         objeto->setProperty("Ambiente", QVariant::fromValue(ambiente));
         base.reset();
         QCOMPARE(objeto->property("Ambiente").value<QObject *>(), nullptr);

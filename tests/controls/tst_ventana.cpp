@@ -4,6 +4,7 @@
 
 #include <QApplication>
 #include <QCloseEvent>
+#include <QKeySequence>
 #include <QLineEdit>
 #include <QRegularExpression>
 #include <QTest>
@@ -17,7 +18,7 @@ class VentanaPrueba : public Ventana
 {
     Q_OBJECT
 public:
-    explicit VentanaPrueba(bool conPreview = false) : Ventana(QStringLiteral("frmPrueba"))
+    explicit VentanaPrueba(bool conPreview) : Ventana(QStringLiteral("frmPrueba"))
     {
         KeyPreview = conPreview;
         auto *panel = new QWidget(this); // members need not be direct children
@@ -26,8 +27,8 @@ public:
         conectaTeclas(QStringLiteral("txtFields"),
                       {[this](int i, qint16 &k, qint16 s) {
                            anota(QStringLiteral("txtFields_KeyDown %1 %2 %3").arg(i).arg(k).arg(s));
-                           if (k == falloEn)
-                               campo(1); // no such member: an error
+                           if (k == teclas::F8)
+                               campo(1); // txtFieldsB_1 is not txtFields(1): an error
                        },
                        {},
                        {}});
@@ -40,7 +41,7 @@ public:
     }
 
     QStringList registro;
-    qint16 falloEn = -1, tragaEnVentana = -1, cancelaConsulta = 0, cancelaDescarga = 0;
+    qint16 cancelaConsulta = 0, cancelaDescarga = 0;
     bool visibleAlCargar = true;
 
 protected:
@@ -53,15 +54,9 @@ protected:
     void Form_KeyDown(qint16 &KeyCode, qint16 Shift) override
     {
         anota(QStringLiteral("Form_KeyDown %1 %2").arg(KeyCode).arg(Shift));
-        KeyCode = KeyCode == tragaEnVentana ? 0 : KeyCode;
+        KeyCode = KeyCode == 'X' ? 0 : KeyCode;
     }
 };
-
-// The KeyDown lines, without those of the modifier keys themselves (16-18).
-QStringList soloKeyDown(const QStringList &r)
-{
-    return r.filter(QRegularExpression(QStringLiteral("KeyDown.* (?!1[678] )\\d+ \\d+$")));
-}
 
 } // namespace
 
@@ -79,6 +74,14 @@ class TstVentana : public QObject
         v->campo(3)->setFocus();
         return v;
     }
+    // The KeyDown lines the key made, without those of the modifier keys themselves (16-18).
+    static QStringList pulsa(VentanaPrueba *v, QKeyCombination tecla)
+    {
+        v->registro.clear();
+        QTest::keyClick(v->windowHandle(), tecla.key(), tecla.keyboardModifiers());
+        return v->registro.filter(
+            QRegularExpression(QStringLiteral("KeyDown.* (?!1[678] )\\d+ \\d+$")));
+    }
 
 private Q_SLOTS:
     void cleanup()
@@ -87,58 +90,31 @@ private Q_SLOTS:
         qDeleteAll(QApplication::topLevelWidgets());
     }
 
-    // A real key reaches the window first (key preview), then the focused member with its index,
-    // each once, with the key code and shift state (1 shift, 2 ctrl, 4 alt).
-    void keyTranslationAndPreview_data()
-    {
-        QTest::addColumn<QKeyCombination>("tecla");
-        QTest::addColumn<QString>("esperado"); // key code and shift state
-        QTest::newRow("F1") << QKeyCombination(Qt::Key_F1) << QString("112 0");
-        QTest::newRow("F12") << QKeyCombination(Qt::Key_F12) << QString("123 0");
-        QTest::newRow("Enter") << QKeyCombination(Qt::Key_Return) << QString("13 0");
-        QTest::newRow("Enter numérico") << (Qt::KeypadModifier | Qt::Key_Enter) << QString("13 0");
-        QTest::newRow("Mayús+F2") << (Qt::ShiftModifier | Qt::Key_F2) << QString("113 1");
-        QTest::newRow("Ctrl+Suprimir") << (Qt::ControlModifier | Qt::Key_Delete) << QString("46 2");
-        QTest::newRow("Alt+Mayús+F3")
-            << (Qt::AltModifier | Qt::ShiftModifier | Qt::Key_F3) << QString("114 5");
-    }
+    // With key preview a key reaches the window first, then the focused member with its index,
+    // as key code and shift state (1 shift, 2 ctrl, 4 alt); the window may swallow it. Keys sent
+    // to a window that is not the active one still reach its own controls.
     void keyTranslationAndPreview()
     {
-        QFETCH(QKeyCombination, tecla);
-        QFETCH(QString, esperado);
         auto v = abre(true);
-        QVERIFY(v);
-        QTest::keyClick(v->windowHandle(), tecla.key(), tecla.keyboardModifiers());
-        QCOMPARE(soloKeyDown(v->registro),
-                 (QStringList{"Form_KeyDown " + esperado, "txtFields_KeyDown 3 " + esperado}));
-    }
-
-    // The preview window is not the active one: keys sent to it still reach
-    // its own controls, unless it swallows them.
-    void windowSwallowsKeysOnlyWithPreview()
-    {
-        auto v = abre(true), sinPreview = abre(false);
-        QVERIFY(v && sinPreview);
-        v->tragaEnVentana = 'X';
-        QTest::keyClick(v->windowHandle(), Qt::Key_X);
-        QTest::keyClick(v->windowHandle(), Qt::Key_Y);
+        QVERIFY(v && abre()); // the second window is the active one
+        for (const QString caso :
+             {"F1=112 0", "F12=123 0", "Return=13 0", "Num+Enter=13 0", "Shift+F2=113 1",
+              "Ctrl+Del=46 2", "Alt+Shift+F3=114 5", "Y=89 0"}) {
+            const QString esperado = caso.section('=', 1);
+            QCOMPARE(pulsa(v, QKeySequence(caso.section('=', 0, 0))[0]),
+                     (QStringList{"Form_KeyDown " + esperado, "txtFields_KeyDown 3 " + esperado}));
+        }
+        QCOMPARE(pulsa(v, Qt::Key_X), QStringList{"Form_KeyDown 88 0"});
         QCOMPARE(v->campo(3)->text(), QStringLiteral("y"));
-        QCOMPARE(soloKeyDown(v->registro), (QStringList{"Form_KeyDown 88 0", "Form_KeyDown 89 0",
-                                                        "txtFields_KeyDown 3 89 0"}));
-        // Without preview the window does not see its controls' keys.
-        QTest::keyClick(sinPreview->windowHandle(), Qt::Key_F5);
-        QCOMPARE(soloKeyDown(sinPreview->registro), QStringList{"txtFields_KeyDown 3 116 0"});
     }
 
-    // Control arrays go by index: txtFieldsB_1 is not txtFields(1).
     void handlerErrorIsReportedWithModuleAndProcedure()
     {
         QString informe;
         setReportSink([&](const QString &t, const QString &x) { informe += t + '|' + x; });
         auto v = abre();
         QVERIFY(v);
-        v->falloEn = teclas::F8;
-        QTest::keyClick(v->windowHandle(), Qt::Key_F8);
+        QCOMPARE(pulsa(v, Qt::Key_F8), QStringList{"txtFields_KeyDown 3 119 0"}); // no preview
         QCOMPARE(informe,
                  QStringLiteral("ZuviProduccion|Error occured:\r\nModule: frmPrueba\r\n"
                                 "Function: txtFields_KeyDown\r\nDescription: El elemento 1 "
@@ -164,10 +140,7 @@ private Q_SLOTS:
             QCOMPARE(barra ? cierre.isAccepted() : v->descarga(), cierra);
             QStringList esperado{QStringLiteral("Form_QueryUnload %1").arg(barra ? 0 : 1)};
             QCOMPARE(v->registro, consulta ? esperado : esperado << "Form_Unload");
-            if (cierra)
-                QTRY_VERIFY(v.isNull());
-            else
-                QVERIFY(v->isVisible() && !v->descargada());
+            QTRY_VERIFY(cierra ? v.isNull() : v->isVisible() && !v->descargada());
         }
     }
 };

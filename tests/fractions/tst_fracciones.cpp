@@ -1,4 +1,3 @@
-#include "component/Modulo.h"
 #include "component/Produccion.h"
 #include "fractions/frmFracciones.h"
 #include "runtime/ClassRegistry.h"
@@ -12,10 +11,9 @@ using namespace zuvi;
 
 namespace {
 
-// Each process start as the process saw it: its key, then Codigo, Estado and
-// visible read by name from the window object it was handed. The process then
-// leaves its key in Estado.
-QStringList llamadas;
+// Each process start: its key, then Codigo, Estado and visible read by name from
+// the window it was handed. The process then leaves its key in Estado.
+QStringList llamadas, informes;
 QPointer<QObject> ventana; // the one handed last
 QString fallaEn;           // the key whose process throws
 
@@ -26,14 +24,13 @@ public:
     void IniciaProceso(ArgumentosProceso &a) override
     {
         ventana = a.objeto;
-        const auto lee = [](const char *p) {
-            return ventana ? ventana->property(p).toString() : QString();
-        };
-        llamadas << QStringList{a.proceso, lee("Codigo"), lee("Estado"), lee("visible")}.join('|');
+        QStringList visto{a.proceso};
+        for (const char *propiedad : {"Codigo", "Estado", "visible"})
+            visto << ventana->property(propiedad).toString();
+        llamadas << visto.join('|');
         if (a.proceso == fallaEn)
             throw Error(QStringLiteral("Servicio no disponible"));
-        if (ventana)
-            ventana->setProperty("Estado", a.proceso);
+        ventana->setProperty("Estado", a.proceso);
     }
     void ConsultaProceso(VBool &) override {}
     void ImprimeReporte(const QString &, qint32, Ambiente *, QObject *) override {}
@@ -46,10 +43,8 @@ class TstFracciones : public QObject
 {
     Q_OBJECT
 
-    QStringList m_informes;
-
     // Opens the window the way the host does; the load hands it to the process.
-    QPointer<frmFracciones> abre()
+    static QPointer<frmFracciones> abre()
     {
         Produccion().MuestraCapturaDeFracciones();
         QPointer<frmFracciones> f = qobject_cast<frmFracciones *>(ventana);
@@ -57,26 +52,21 @@ class TstFracciones : public QObject
     }
 
 private Q_SLOTS:
-    void init()
+    void initTestCase()
     {
-        modulo::reinicia();
         ClassRegistry::instance().add(QStringLiteral("ControlProcesos"),
                                       [] { return new ProcesosGrabados; });
-        llamadas.clear();
-        fallaEn.clear();
-        m_informes.clear();
-        setReportSink([this](const QString &, const QString &texto) { m_informes << texto; });
+        setReportSink([](const QString &, const QString &texto) { informes << texto; });
     }
     void cleanup()
     {
         qDeleteAll(QApplication::topLevelWidgets());
-        ClassRegistry::instance().remove(QStringLiteral("ControlProcesos"));
-        setReportSink({});
+        llamadas = informes = QStringList();
+        fallaEn.clear();
     }
 
-    // Form_Load sets Estado and starts the welcome before the window shows;
-    // Enter starts "FRACCIONES" with the whole line typed, trimmed; other keys
-    // start nothing, and the window leaves the field as it was.
+    // Form_Load sets Estado and starts the welcome before the window shows; Enter starts
+    // "FRACCIONES" with the whole line, trimmed; other keys start nothing, the field stays.
     void enterStartsTheCapture_data()
     {
         QTest::addColumn<QString>("tecleado");
@@ -96,10 +86,7 @@ private Q_SLOTS:
         QTest::keyClick(f->windowHandle(), Qt::Key_Return);
         QCOMPARE(llamadas, (QStringList{"FRACCIONES001||ESPERANDO USUARIO|false",
                                         "FRACCIONES|" + codigo + "|FRACCIONES001|true"}));
-        QVERIFY(ventana == f.data());
-        QCOMPARE(f->Estado, QStringLiteral("FRACCIONES"));
-        QCOMPARE(f->txtFields(0)->text(), tecleado);
-        QVERIFY(m_informes.isEmpty());
+        QVERIFY(informes.isEmpty() && f->txtFields(0)->text() == tecleado);
     }
 
     void twoCallsOpenTwoIndependentWindows()
@@ -108,34 +95,25 @@ private Q_SLOTS:
         QVERIFY(primera && segunda && primera != segunda);
         QTest::keyClicks(segunda->txtFields(0), QStringLiteral("22"));
         QTest::keyClick(segunda->windowHandle(), Qt::Key_Enter, Qt::KeypadModifier);
-        QVERIFY(ventana == segunda.data());
-        QCOMPARE(primera->Codigo, QString());
-        QVERIFY(segunda->descarga());
+        QVERIFY(ventana == segunda.data() && primera->Codigo.isEmpty() && segunda->descarga());
         QTRY_VERIFY(segunda.isNull());
         QTest::keyClicks(primera->txtFields(0), QStringLiteral("11"));
         QTest::keyClick(primera->windowHandle(), Qt::Key_Return);
-        QVERIFY(ventana == primera.data());
         QCOMPARE(llamadas.last(), QStringLiteral("FRACCIONES|11|FRACCIONES001|true"));
     }
 
-    void errorsAreReportedWithTheProcedureName_data()
-    {
-        QTest::addColumn<QString>("clave");
-        QTest::addColumn<QString>("procedimiento");
-        QTest::newRow("al cargar") << QString("FRACCIONES001") << QString("Form_Load");
-        QTest::newRow("al capturar") << QString("FRACCIONES") << QString("txtFields_KeyDown");
-    }
     void errorsAreReportedWithTheProcedureName()
     {
-        QFETCH(QString, clave);
-        QFETCH(QString, procedimiento);
-        fallaEn = clave;
-        auto f = abre();
-        QVERIFY(f); // a failing welcome still leaves the window open
-        QTest::keyClick(f->windowHandle(), Qt::Key_Return);
-        QCOMPARE(m_informes,
-                 QStringList{"Error occured:\r\nModule: frmFracciones\r\nFunction: " +
-                             procedimiento + "\r\nDescription: Servicio no disponible"});
+        for (const QString procedimiento : {"Form_Load", "txtFields_KeyDown"}) {
+            fallaEn = procedimiento == u"Form_Load" ? "FRACCIONES001" : "FRACCIONES";
+            informes.clear();
+            auto f = abre();
+            QVERIFY(f); // a failing welcome still leaves the window open
+            QTest::keyClick(f->windowHandle(), Qt::Key_Return);
+            QCOMPARE(informes,
+                     QStringList{"Error occured:\r\nModule: frmFracciones\r\nFunction: " +
+                                 procedimiento + "\r\nDescription: Servicio no disponible"});
+        }
     }
 };
 

@@ -1,10 +1,9 @@
 #pragma once
 
 // A throw-away database for one test: a fresh SQLite file in a temporary
-// folder, or, when ZUVI_PRUEBA_MARIADB_URL_FILE names the URL file of the
-// test server, a freshly created database with a unique name on that server,
-// dropped again by the destructor. Either way it carries the host's schema
-// and base rows, and the demo data when asked.
+// folder or, when ZUVI_PRUEBA_MARIADB_URL_FILE names the URL file of the test
+// server, a database with a unique name there, dropped by the destructor.
+// It carries the host's schema and base rows, and the demo data when asked.
 
 #include "host/Anfitrion.h"
 
@@ -26,23 +25,19 @@ public:
     BaseDePrueba(const BaseDePrueba &) = delete;
     BaseDePrueba &operator=(const BaseDePrueba &) = delete;
 
-    anfitrion::Sesion &sesion();
-    QSqlDatabase conexion();
-    zuvi::Ambiente *ambiente();
-    // The database as the executable's --base option takes it.
-    QString url() const;
-    anfitrion::Motor motor() const;
+    anfitrion::Sesion &sesion() { return *m_sesion; }
+    QSqlDatabase conexion() { return m_sesion->conexion(); }
+    zuvi::Ambiente *ambiente() { return m_sesion->ambiente(); }
+    QString url() const { return m_url; } // as the executable's --base option takes it
+    anfitrion::Motor motor() const { return m_sesion->motor(); }
 
-    // First field of the first row; an invalid QVariant when there is no
-    // row. Throws Error when the statement fails.
+    // First field of the first row, invalid when there is none; throws Error on failure.
     QVariant escalar(const QString &sql);
-    // Runs one statement; throws Error when it fails.
-    void ejecuta(const QString &sql);
+    void ejecuta(const QString &sql); // throws Error on failure
 
     // True when the tests of this process run against the MariaDB server.
     static bool enMariaDB();
-    // The server URL of the test MariaDB ("mariadb://root@127.0.0.1:PORT/"),
-    // empty when the tests run on SQLite.
+    // "mariadb://root@127.0.0.1:PORT/" of that server; empty on SQLite.
     static QString urlServidorMariaDB();
 
 private:
@@ -53,6 +48,9 @@ private:
 };
 
 // Puts the host's implementations into the class registry.
-void preparaRegistro();
+inline void preparaRegistro()
+{
+    anfitrion::registraClasesAnfitrion();
+}
 
 } // namespace zuvi::pruebas

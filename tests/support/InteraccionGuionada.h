@@ -1,9 +1,8 @@
 #pragma once
 
 // A scripted interaction seam for tests: records every message, question and
-// progress call, and answers questions from a queue the test fills (no when
-// the queue is empty). instala() puts a fresh one in force and returns it;
-// it stays in force until something else is installed.
+// progress call and answers questions from a queue the test fills (no when it
+// is empty). instala() puts a fresh one in force until something else is.
 
 #include "host/Interaccion.h"
 
@@ -34,12 +33,12 @@ public:
         QString texto2; // animation for inicia, second line for avanza
     };
 
-    void mensaje(const QString &texto, int estilo) override;
+    void mensaje(const QString &texto, int estilo) override { m_mensajes.append({texto, estilo}); }
     bool pregunta(const QString &texto) override;
     std::unique_ptr<zuvi::anfitrion::IndicadorProgreso> progreso() override;
 
     // Answers for the coming questions, in order.
-    void respuestas(std::initializer_list<bool> lista);
+    void respuestas(std::initializer_list<bool> lista) { m_respuestas.append(lista); }
     void agregaRespuesta(bool si) { m_respuestas.enqueue(si); }
     int respuestasPendientes() const { return int(m_respuestas.size()); }
 
@@ -48,13 +47,12 @@ public:
     const QStringList &preguntas() const { return m_preguntas; }
     const QList<LlamadaProgreso> &llamadasProgreso() const { return m_progreso; }
 
-    void olvida(); // forgets what was recorded and the pending answers
+    // Forgets what was recorded and the pending answers.
+    void olvida() { *this = InteraccionGuionada(); }
 
-    // Installs a fresh scripted seam and returns it.
     static std::shared_ptr<InteraccionGuionada> instala();
 
 private:
-    friend class ProgresoGuionado;
     QList<MensajeVisto> m_mensajes;
     QStringList m_preguntas;
     QQueue<bool> m_respuestas;

@@ -66,11 +66,8 @@ bool &huboReporte()
 // Error reports of the component go to standard error and make the run fail.
 void instalaSalidaDeReportes()
 {
-    setReportSink([](const QString &, const QString &texto) {
-        QString plano = texto;
-        plano.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
-        std::fprintf(stderr, "%s\n", qUtf8Printable(plano));
-        std::fflush(stderr);
+    setReportSink([](const QString &titulo, const QString &texto) {
+        anfitrion::interaccion().reporte(titulo, texto);
         huboReporte() = true;
     });
 }

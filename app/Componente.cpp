@@ -1,8 +1,8 @@
 #include "app/Componente.h"
 
 #include "app/LineaComandos.h"
-#include "component/Identidad.h"
-#include "component/Servicios.h"
+#include "contract/Identidad.h"
+#include "contract/Servicios.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
 

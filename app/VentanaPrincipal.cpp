@@ -4,7 +4,7 @@
 #include "app/Componente.h"
 #include "app/DialogoKit.h"
 #include "app/Kits.h"
-#include "component/Identidad.h"
+#include "contract/Identidad.h"
 #include "host/Anfitrion.h"
 #include "host/Interaccion.h"
 #include "host/Sql.h"
@@ -131,23 +131,18 @@ void VentanaPrincipal::creaMenus()
 
 void VentanaPrincipal::ajustaAcciones()
 {
-#ifdef ZUVI_EDITOR_OP
-    const bool editor = true;
-#else
-    const bool editor = false; // the component's order editor is not part of this build
-#endif
-#ifdef ZUVI_TURNOS
-    const bool turnos = true;
-#else
-    const bool turnos = false;
-#endif
+    // An entry is offered when the component answers to its member by name.
+    const auto responde = [this](const char *firma) {
+        return m_produccion && m_produccion->metaObject()->indexOfMethod(
+                                   QMetaObject::normalizedSignature(firma)) >= 0;
+    };
     const bool hay = ordenSeleccionada() != 0;
-    m_nueva->setEnabled(editor);
-    m_modifica->setEnabled(editor && hay);
-    m_consulta->setEnabled(editor && hay);
-    m_entrega->setEnabled(hay);
-    m_cancela->setEnabled(hay);
-    m_turnos->setEnabled(turnos);
+    m_nueva->setEnabled(responde("NuevaOp()"));
+    m_modifica->setEnabled(hay && responde("ModificaOp(int)"));
+    m_consulta->setEnabled(hay && responde("ConsultaOp(int)"));
+    m_entrega->setEnabled(hay && responde("EntregaProductoTerminado(int)"));
+    m_cancela->setEnabled(hay && responde("CancelaOp(int)"));
+    m_turnos->setEnabled(responde("MuestraTurnos()"));
 }
 
 void VentanaPrincipal::actualiza()

@@ -52,6 +52,7 @@ class Silencio : public anfitrion::Interaccion
 public:
     void mensaje(const QString &, int) override {}
     bool pregunta(const QString &) override { return false; }
+    void reporte(const QString &, const QString &) override {}
     std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
     {
         return std::make_unique<Nada>();

@@ -5,7 +5,7 @@
 // and value conversions that fail the way the operations expect (a null where
 // a number is needed, a division by zero, a count that does not fit).
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 #include <QObject>
 #include <QPointer>

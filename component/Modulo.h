@@ -1,7 +1,7 @@
 #pragma once
 
 #include "component/Export.h"
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 namespace zuvi::modulo {
 

@@ -39,12 +39,6 @@ void Produccion::SetAmbienteObjeto(QObject *ambiente)
     m_ambiente = qobject_cast<zuvi::Ambiente *>(ambiente);
 }
 
-bool ReportaError(const QString &modulo, const QString &procedimiento, const QString &descripcion)
-{
-    showErrorReport(modulo, procedimiento, descripcion);
-    return true;
-}
-
 // The order editor and the shift windows come later; until then these end
 // silently, as every method of the class does on an error.
 void Produccion::NuevaOp() {}

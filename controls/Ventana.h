@@ -8,8 +8,8 @@
 // handler runs inside the error trap with the window's module name and its
 // own procedure name.
 
-#include "component/Export.h"
 #include "controls/ArregloControles.h"
+#include "controls/Export.h"
 #include "runtime/Error.h"
 
 #include <QHash>
@@ -22,7 +22,7 @@ class QKeyEvent;
 
 namespace zuvi {
 
-class ZUVI_PRODUCCION_EXPORT Ventana : public QWidget
+class ZUVI_CONTROLES_EXPORT Ventana : public QWidget
 {
     Q_OBJECT
 

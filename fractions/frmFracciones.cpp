@@ -2,7 +2,7 @@
 
 #include "component/Modulo.h"
 #include "controls/Teclas.h"
-#include "controls/Texto.h"
+#include "runtime/Text.h"
 
 #include <QLineEdit>
 #include <QTextBrowser>

@@ -5,7 +5,7 @@
 // load) and "FRACCIONES", reading Codigo and Estado through the window object.
 
 #include "component/Export.h"
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 #include "controls/Ventana.h"
 
 #include <QPointer>

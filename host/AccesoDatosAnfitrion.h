@@ -21,7 +21,7 @@
 // ValorNumerico and ValorTexto read a value that holds a QObject* (a text box
 // handed over as a field) through its default text.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 namespace zuvi::anfitrion {
 

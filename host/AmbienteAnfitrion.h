@@ -11,7 +11,7 @@
 // DatoDocumento is the station key (text), which the movement document keeps
 // as the origin of the movements it posts.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 #include "host/Anfitrion.h"
 
 #include <QDate>

@@ -3,7 +3,7 @@
 // The reference host: opens the database, implements every host service the
 // component calls and registers the implementations by class name.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 #include <QSqlDatabase>
 #include <QString>

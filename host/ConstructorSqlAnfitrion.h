@@ -19,7 +19,7 @@
 // - Values keep their type: whole numbers, reals, texts, dates, times, date
 //   times, booleans (as 1/0) and null; a QObject* stands for its default text.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 #include <QList>
 #include <QVariantList>

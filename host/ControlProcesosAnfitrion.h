@@ -8,7 +8,7 @@
 // undecided). ImprimeReporte knows the report "ORDENP": the production order
 // as a PDF in the reports folder (host/Reportes.h); the user is told where.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 #include <optional>
 

@@ -7,7 +7,7 @@
 // when missing), both in one transaction of their own. The values stay set
 // for the next movement, so a caller changes only what differs.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 
 #include <QDate>
 #include <QPointer>

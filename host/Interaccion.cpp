@@ -1,5 +1,7 @@
 #include "host/Interaccion.h"
 
+#include "runtime/Error.h"
+
 #include <QApplication>
 #include <QFileInfo>
 #include <QLabel>
@@ -110,6 +112,13 @@ public:
     void mensaje(const QString &texto, int estilo) override
     {
         escribeError(prefijoEstilo(estilo) + texto + QLatin1Char('\n'));
+    }
+
+    void reporte(const QString &, const QString &texto) override
+    {
+        QString plano = texto;
+        plano.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+        escribeError(plano + QLatin1Char('\n'));
     }
 
     bool pregunta(const QString &texto) override
@@ -258,6 +267,17 @@ public:
         caja.exec();
     }
 
+    // The module's error report: a plain box, OK only, no icon.
+    void reporte(const QString &titulo, const QString &texto) override
+    {
+        if (!hayVentanas()) {
+            m_terminal.reporte(titulo, texto);
+            return;
+        }
+        QMessageBox caja(QMessageBox::NoIcon, titulo, texto, QMessageBox::Ok);
+        caja.exec();
+    }
+
     bool pregunta(const QString &texto) override
     {
         if (m_siATodo)
@@ -314,8 +334,13 @@ Interaccion &interaccion()
 
 void ponInteraccion(std::shared_ptr<Interaccion> nueva)
 {
-    std::lock_guard<std::mutex> g(cerrojo());
-    actual() = std::move(nueva);
+    {
+        std::lock_guard<std::mutex> g(cerrojo());
+        actual() = std::move(nueva);
+    }
+    // The component's error reports take the same way out as every message.
+    setReportSink(
+        [](const QString &titulo, const QString &texto) { interaccion().reporte(titulo, texto); });
 }
 
 std::shared_ptr<Interaccion> interaccionTerminal(bool siATodo)

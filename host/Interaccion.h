@@ -27,11 +27,14 @@ public:
     virtual void mensaje(const QString &texto, int estilo) = 0;
     // A yes/no question; true only for a yes.
     virtual bool pregunta(const QString &texto) = 0;
+    // The component's error report (the four-line text), under the title.
+    virtual void reporte(const QString &titulo, const QString &texto) = 0;
     virtual std::unique_ptr<IndicadorProgreso> progreso() = 0;
 };
 
 // The seam in force. Until something is installed: the terminal, answering
-// no to every question.
+// no to every question. Installing one also routes the component's error
+// reports (runtime/Error.h) through it.
 Interaccion &interaccion();
 void ponInteraccion(std::shared_ptr<Interaccion> nueva);
 

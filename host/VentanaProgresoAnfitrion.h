@@ -5,7 +5,7 @@
 // Cierra without Inicia do nothing; the window closes at the latest when the
 // object goes.
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 #include "host/Interaccion.h"
 
 #include <memory>

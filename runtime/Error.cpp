@@ -1,9 +1,5 @@
 #include "runtime/Error.h"
 
-#include <QApplication>
-#include <QGuiApplication>
-#include <QMessageBox>
-
 #include <cstdio>
 #include <new>
 
@@ -45,21 +41,8 @@ ReportSink &sink()
     return s;
 }
 
-bool canShowBoxes()
+void defaultSink(const QString &, const QString &text)
 {
-    if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
-        return false;
-    const QString platform = QGuiApplication::platformName();
-    return platform != QLatin1String("offscreen") && platform != QLatin1String("minimal");
-}
-
-void defaultSink(const QString &title, const QString &text)
-{
-    if (canShowBoxes()) {
-        QMessageBox box(QMessageBox::NoIcon, title, text, QMessageBox::Ok);
-        box.exec();
-        return;
-    }
     QString plain = text;
     plain.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     std::fprintf(stderr, "%s\n", qUtf8Printable(plain));

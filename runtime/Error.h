@@ -33,9 +33,9 @@ ZUVI_RUNTIME_EXPORT QString describeCurrentException();
 ZUVI_RUNTIME_EXPORT QString errorReportText(const QString &module, const QString &procedure,
                                             const QString &description);
 
-// Where error reports go. The default shows a plain box titled "ZuviProduccion"
-// when a widget application runs with a display, and writes to standard error
-// otherwise (command line, offscreen tests). Tests install their own sink.
+// Where error reports go. Until a host installs its own (the reference host
+// routes them through its interaction seam: a plain box titled
+// "ZuviProduccion" in the shell), they are written to standard error.
 using ReportSink = std::function<void(const QString &title, const QString &text)>;
 ZUVI_RUNTIME_EXPORT void setReportSink(ReportSink sink);
 ZUVI_RUNTIME_EXPORT void showErrorReport(const QString &module, const QString &procedure,

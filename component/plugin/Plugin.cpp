@@ -1,7 +1,7 @@
 #include "component/plugin/Plugin.h"
 
-#include "component/Identidad.h"
 #include "component/Produccion.h"
+#include "contract/Identidad.h"
 
 #include <dlfcn.h>
 

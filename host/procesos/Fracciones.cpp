@@ -7,8 +7,8 @@
 #include "host/Anfitrion.h"
 #include "host/Sql.h"
 
-#include "controls/Texto.h"
 #include "runtime/Error.h"
+#include "runtime/Text.h"
 
 #include <QLineEdit>
 #include <QLocale>

@@ -1,5 +1,5 @@
 // The executable as a script runs it, with its own registration file and database; the batch
-// operations run on SQLite and on the MariaDB test server: ZUVI_PRUEBA_AMBAS_BASES
+// operations run on SQLite and on the MariaDB test server.
 
 #include "runtime/ComponentRegistry.h"
 #include "tests/support/BaseDePrueba.h"

@@ -1,4 +1,4 @@
-// The host's data-access object, on SQLite and MariaDB: ZUVI_PRUEBA_AMBAS_BASES
+// The host's data-access object, on SQLite and MariaDB.
 
 #include "host/AccesoDatosAnfitrion.h"
 #include "host/Esquema.h"

@@ -1,4 +1,4 @@
-// The host's statement builder, on SQLite and MariaDB: ZUVI_PRUEBA_AMBAS_BASES
+// The host's statement builder, on SQLite and MariaDB.
 
 #include "host/ConstructorSqlAnfitrion.h"
 #include "host/Sql.h"

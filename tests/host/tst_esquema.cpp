@@ -1,4 +1,4 @@
-// Runs on SQLite and again on the MariaDB test server: ZUVI_PRUEBA_AMBAS_BASES
+// Runs on SQLite and again on the MariaDB test server.
 
 #include "host/Esquema.h"
 #include "tests/support/BaseDePrueba.h"

@@ -1,4 +1,4 @@
-// Runs on SQLite and again on the MariaDB test server: ZUVI_PRUEBA_AMBAS_BASES
+// Runs on SQLite and again on the MariaDB test server.
 // The concurrency test starts this executable again as "--hijo URL CLAVE N": each
 // child opens the database and prints N numbers drawn from the key, one a line.
 

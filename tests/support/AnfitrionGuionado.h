@@ -13,7 +13,7 @@
 // Articulo=C1 ...", which AplicaMovimiento ("Aplica=0") ends. A progress
 // window's destruction is logged as "Libera".
 
-#include "component/Servicios.h"
+#include "contract/Servicios.h"
 #include "runtime/Recordset.h"
 
 #include <QHash>

@@ -1,7 +1,7 @@
 #pragma once
 
-// A scripted interaction seam for tests: records every message, question and
-// progress call and answers questions from a queue the test fills (no when it
+// A scripted interaction seam for tests: records every message, question,
+// error report and progress call and answers questions from a queue the test fills (no when it
 // is empty). instala() puts a fresh one in force until something else is.
 
 #include "host/Interaccion.h"
@@ -35,6 +35,7 @@ public:
 
     void mensaje(const QString &texto, int estilo) override { m_mensajes.append({texto, estilo}); }
     bool pregunta(const QString &texto) override;
+    void reporte(const QString &, const QString &texto) override { m_reportes.append(texto); }
     std::unique_ptr<zuvi::anfitrion::IndicadorProgreso> progreso() override;
 
     // Answers for the coming questions, in order.
@@ -45,6 +46,7 @@ public:
     const QList<MensajeVisto> &mensajes() const { return m_mensajes; }
     QStringList textosMensajes() const;
     const QStringList &preguntas() const { return m_preguntas; }
+    const QStringList &reportes() const { return m_reportes; }
     const QList<LlamadaProgreso> &llamadasProgreso() const { return m_progreso; }
 
     // Forgets what was recorded and the pending answers.
@@ -55,6 +57,7 @@ public:
 private:
     QList<MensajeVisto> m_mensajes;
     QStringList m_preguntas;
+    QStringList m_reportes;
     QQueue<bool> m_respuestas;
     QList<LlamadaProgreso> m_progreso;
 };

@@ -1,5 +1,5 @@
 // The batch operations over a real database: the movements and stock written, the order
-// lines delivered, a connection lost in the middle of a delivery. ZUVI_PRUEBA_AMBAS_BASES
+// lines delivered, a connection lost in the middle of a delivery.
 
 #include "component/Modulo.h"
 #include "component/Produccion.h"
@@ -164,4 +164,4 @@ private Q_SLOTS:
 };
 
 QTEST_MAIN(TstLoteBase)
-#include "tst_loteBase.moc"
+#include "tst_lotebase.moc"

@@ -187,4 +187,4 @@ private Q_SLOTS:
 };
 
 QTEST_MAIN(TstLoteGuionado)
-#include "tst_loteGuionado.moc"
+#include "tst_loteguionado.moc"

@@ -5,7 +5,7 @@
 // and a released host object shows up as a null QPointer instead of a crash.
 // Failing operations throw zuvi::Error with a description.
 
-#include "component/Export.h"
+#include "contract/Export.h"
 #include "runtime/Recordset.h"
 #include "runtime/VBool.h"
 
@@ -24,7 +24,7 @@ namespace zuvi {
 class ConstructorSql;
 
 // The host environment handed to the component through the property Ambiente.
-class ZUVI_PRODUCCION_EXPORT Ambiente : public QObject
+class ZUVI_CONTRATO_EXPORT Ambiente : public QObject
 {
     Q_OBJECT
 public:
@@ -46,7 +46,7 @@ public:
 };
 
 // The statement builder: INSERT and UPDATE assembled column by column.
-class ZUVI_PRODUCCION_EXPORT ConstructorSql : public QObject
+class ZUVI_CONTRATO_EXPORT ConstructorSql : public QObject
 {
     Q_OBJECT
 public:
@@ -67,7 +67,7 @@ public:
 };
 
 // The module-wide data-access object.
-class ZUVI_PRODUCCION_EXPORT AccesoDatos : public QObject
+class ZUVI_CONTRATO_EXPORT AccesoDatos : public QObject
 {
     Q_OBJECT
 public:
@@ -122,7 +122,7 @@ struct ArgumentosProceso
     QPointer<QObject> referenciaFinal; // (11) empty
 };
 
-class ZUVI_PRODUCCION_EXPORT ControlProcesos : public QObject
+class ZUVI_CONTRATO_EXPORT ControlProcesos : public QObject
 {
     Q_OBJECT
 public:
@@ -135,7 +135,7 @@ public:
     virtual void CierraProceso(qint32 valor) = 0;
 };
 
-class ZUVI_PRODUCCION_EXPORT VentanaProgreso : public QObject
+class ZUVI_CONTRATO_EXPORT VentanaProgreso : public QObject
 {
     Q_OBJECT
 public:
@@ -149,7 +149,7 @@ public:
 
 // The inventory movement document: values are set one by one, then
 // AplicaMovimiento posts one movement line and returns its valued amount.
-class ZUVI_PRODUCCION_EXPORT DocumentoInventario : public QObject
+class ZUVI_CONTRATO_EXPORT DocumentoInventario : public QObject
 {
     Q_OBJECT
 public:
@@ -173,7 +173,7 @@ public:
 };
 
 // Catalogue lookup, created per use by the order editor's fields.
-class ZUVI_PRODUCCION_EXPORT BuscaCatalogo : public QObject
+class ZUVI_CONTRATO_EXPORT BuscaCatalogo : public QObject
 {
     Q_OBJECT
 public:
@@ -189,7 +189,7 @@ public:
 };
 
 // Numeric-entry pad bound to a text box.
-class ZUVI_PRODUCCION_EXPORT CapturaNumerica : public QObject
+class ZUVI_CONTRATO_EXPORT CapturaNumerica : public QObject
 {
     Q_OBJECT
 public:

@@ -1,4 +1,4 @@
-// Runs on SQLite and again on MariaDB (ZUVI_PRUEBA_AMBAS_BASES).
+// Runs on SQLite and again on MariaDB.
 
 #include "component/Modulo.h"
 #include "component/Produccion.h"

@@ -1,0 +1,113 @@
+// The arrows between the folders run one way: nothing in the module reaches
+// into the host or the shell, the contract sees only the runtime, and the
+// runtime has no widgets.
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QRegularExpression>
+#include <QTest>
+
+namespace {
+
+struct Inclusion
+{
+    QString archivo;
+    int linea = 0;
+    QString cabecera;
+};
+
+QList<Inclusion> inclusionesDe(const QString &carpeta)
+{
+    static const QRegularExpression directiva(
+        QStringLiteral("^\\s*#\\s*include\\s*[<\"]([^>\"]+)[>\"]"));
+    QList<Inclusion> lista;
+    const QString raiz = QStringLiteral(ZUVI_SOURCE_DIR "/") + carpeta;
+    QDirIterator it(raiz, {"*.h", "*.cpp", "*.ui"}, QDir::Files, QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        QFile f(it.next());
+        if (!f.open(QIODevice::ReadOnly | QIODevice::Text))
+            continue;
+        int n = 0;
+        while (!f.atEnd()) {
+            ++n;
+            const auto m = directiva.match(QString::fromUtf8(f.readLine()));
+            if (m.hasMatch())
+                lista.append({QDir(QStringLiteral(ZUVI_SOURCE_DIR)).relativeFilePath(f.fileName()),
+                              n, m.captured(1)});
+        }
+    }
+    return lista;
+}
+
+// "component/x.h" -> "component"; a header without a folder has none.
+QString carpetaDe(const QString &cabecera)
+{
+    const qsizetype barra = cabecera.indexOf(u'/');
+    return barra < 0 ? QString() : cabecera.left(barra);
+}
+
+} // namespace
+
+class TstCapas : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void carpetasPermitidas_data()
+    {
+        QTest::addColumn<QString>("carpeta");
+        QTest::addColumn<QStringList>("permitidas");
+        const QStringList modulo = {"runtime",   "contract", "component", "controls",
+                                    "fractions", "orders",   "shifts"};
+        QTest::newRow("runtime") << "runtime" << QStringList{"runtime"};
+        QTest::newRow("contract") << "contract" << QStringList{"runtime", "contract"};
+        for (const QString &c : {"component", "controls", "fractions", "orders", "shifts"})
+            QTest::newRow(qPrintable(c)) << c << modulo;
+        QTest::newRow("host") << "host" << QStringList{"runtime", "contract", "host"};
+        QTest::newRow("app") << "app" << QStringList{"runtime", "contract", "host", "app"};
+    }
+
+    // Our own headers are named by folder; Qt's and the system's are not (or
+    // are named by their Qt module, which the next test looks at).
+    void carpetasPermitidas()
+    {
+        QFETCH(QString, carpeta);
+        QFETCH(QStringList, permitidas);
+        static const QStringList nuestras = {"runtime",   "contract", "component", "controls",
+                                             "fractions", "orders",   "shifts",    "host",
+                                             "app",       "tests"};
+        QStringList fuera;
+        const QList<Inclusion> inclusiones = inclusionesDe(carpeta);
+        QVERIFY2(!inclusiones.isEmpty() || carpeta == u"orders" || carpeta == u"shifts",
+                 qPrintable(carpeta + " has no sources to read"));
+        for (const Inclusion &i : inclusiones) {
+            const QString destino = carpetaDe(i.cabecera);
+            if (nuestras.contains(destino) && !permitidas.contains(destino))
+                fuera << QStringLiteral("%1:%2 includes %3")
+                             .arg(i.archivo)
+                             .arg(i.linea)
+                             .arg(i.cabecera);
+        }
+        QVERIFY2(fuera.isEmpty(), qPrintable(fuera.join(u'\n')));
+    }
+
+    void runtimeSinWidgets()
+    {
+        const QDir widgets(QStringLiteral(ZUVI_QTWIDGETS_DIR));
+        QVERIFY2(widgets.exists(QStringLiteral("QWidget")), ZUVI_QTWIDGETS_DIR);
+        QStringList fuera;
+        for (const Inclusion &i : inclusionesDe(QStringLiteral("runtime"))) {
+            const QString nombre = i.cabecera.section(u'/', -1);
+            if (i.cabecera.startsWith(QLatin1String("QtWidgets")) || widgets.exists(nombre))
+                fuera << QStringLiteral("%1:%2 includes %3")
+                             .arg(i.archivo)
+                             .arg(i.linea)
+                             .arg(i.cabecera);
+        }
+        QVERIFY2(fuera.isEmpty(), qPrintable(fuera.join(u'\n')));
+    }
+};
+
+QTEST_GUILESS_MAIN(TstCapas)
+#include "tst_capas.moc"

@@ -21,3 +21,6 @@ constexpr bool fromVBool(VBool v)
 }
 
 } // namespace zuvi
+
+static_assert(sizeof(zuvi::VBool) == 2 && zuvi::toVBool(true) == -1 && zuvi::toVBool(false) == 0);
+static_assert(zuvi::fromVBool(1) && zuvi::fromVBool(zuvi::VTrue) && !zuvi::fromVBool(zuvi::VFalse));

@@ -7,16 +7,16 @@
 
 namespace zuvi {
 
-QObject *ProduccionPlugin::createInstance(const QString &nameOrClassId)
+QObject *FabricaProduccion::createInstance(const QString &nombreOClase)
 {
-    const QString name = nameOrClassId.trimmed();
-    const bool byName = name.compare(QLatin1String(ZUVI_PROG_ID), Qt::CaseInsensitive) == 0 ||
-                        name.compare(QLatin1String(ZUVI_CLASS_NAME), Qt::CaseInsensitive) == 0;
-    QString id = name;
-    id.remove(QLatin1Char('{')).remove(QLatin1Char('}'));
-    const bool byId =
-        id.compare(QString::fromLatin1(ZUVI_CLASS_ID).mid(1, 36), Qt::CaseInsensitive) == 0;
-    if (byName || byId)
+    const QString nombre = nombreOClase.trimmed();
+    const bool porNombre = nombre.compare(QLatin1String(ZUVI_PROG_ID), Qt::CaseInsensitive) == 0 ||
+                           nombre.compare(QLatin1String(ZUVI_CLASS_NAME), Qt::CaseInsensitive) == 0;
+    QString clase = nombre;
+    clase.remove(QLatin1Char('{')).remove(QLatin1Char('}'));
+    const bool porClase =
+        clase.compare(QString::fromLatin1(ZUVI_CLASS_ID).mid(1, 36), Qt::CaseInsensitive) == 0;
+    if (porNombre || porClase)
         return new Produccion;
     return nullptr;
 }
@@ -25,39 +25,39 @@ QObject *ProduccionPlugin::createInstance(const QString &nameOrClassId)
 
 namespace {
 
-QString thisLibraryPath()
+QString rutaDeEstaBiblioteca()
 {
-    Dl_info info{};
-    if (dladdr(reinterpret_cast<void *>(&ZuviRegistraServidor), &info) && info.dli_fname)
-        return QString::fromLocal8Bit(info.dli_fname);
+    Dl_info datos{};
+    if (dladdr(reinterpret_cast<void *>(&ZuviRegistraServidor), &datos) && datos.dli_fname)
+        return QString::fromLocal8Bit(datos.dli_fname);
     return QString();
 }
 
-QString fileOrDefault(const char *registryFile)
+QString archivoOPorOmision(const char *archivoRegistro)
 {
-    return registryFile && *registryFile ? QString::fromLocal8Bit(registryFile)
-                                         : zuvi::components::registryFile();
+    return archivoRegistro && *archivoRegistro ? QString::fromLocal8Bit(archivoRegistro)
+                                               : zuvi::components::registryFile();
 }
 
 } // namespace
 
-int ZuviRegistraServidor(const char *registryFile)
+int ZuviRegistraServidor(const char *archivoRegistro)
 {
-    const QString path = thisLibraryPath();
-    if (path.isEmpty())
+    const QString ruta = rutaDeEstaBiblioteca();
+    if (ruta.isEmpty())
         return 1;
     return zuvi::components::registerClass(QStringLiteral(ZUVI_PROG_ID),
-                                           QStringLiteral(ZUVI_CLASS_ID), path,
-                                           fileOrDefault(registryFile))
+                                           QStringLiteral(ZUVI_CLASS_ID), ruta,
+                                           archivoOPorOmision(archivoRegistro))
                ? 0
                : 1;
 }
 
-int ZuviDesregistraServidor(const char *registryFile)
+int ZuviDesregistraServidor(const char *archivoRegistro)
 {
     return zuvi::components::unregisterClass(QStringLiteral(ZUVI_PROG_ID),
                                              QStringLiteral(ZUVI_CLASS_ID),
-                                             fileOrDefault(registryFile))
+                                             archivoOPorOmision(archivoRegistro))
                ? 0
                : 1;
 }

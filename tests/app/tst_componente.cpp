@@ -5,6 +5,7 @@
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
+#include "tests/support/CapturaReportes.h"
 
 #include <QLibrary>
 #include <QSettings>
@@ -36,7 +37,7 @@ private slots:
         QCOMPARE(llamaEntrada("ZuviRegistraServidor", m_registro), 0);
     }
 
-    void registrationRoundTrip()
+    void registroIdaYVuelta()
     {
         const QString archivo = m_dir.filePath(QStringLiteral("ida-y-vuelta.ini"));
         QSettings(archivo, QSettings::IniFormat).setValue("ProgID/Otra.Clase/CLSID", "{X}");
@@ -56,7 +57,7 @@ private slots:
         QCOMPARE(QSettings(archivo, QSettings::IniFormat).value("ProgID/Otra.Clase/CLSID"), "{X}");
     }
 
-    void publishedIdsAndMembers()
+    void identidadYMiembrosPublicados()
     {
         std::unique_ptr<QObject> objeto(components::createObject(kProgId, m_registro));
         const QMetaObject *mo = objeto->metaObject();
@@ -75,9 +76,8 @@ private slots:
             {"Ensamble", "Module: Produccion\r\nFunction: Ensamble"},
             {"Desensamble", "Module: Produccion\r\nFunction: Desensamble"},
             {"MuestraCapturaDeFracciones", "Module: frmFracciones\r\nFunction: Form_Load"}};
-        QStringList miembros, textos;
-        auto restaura = qScopeGuard([] { setReportSink({}); });
-        setReportSink([&](QString, const QString &x) { textos << x.section("\r\n", 1, 2); });
+        QStringList miembros;
+        pruebas::CapturaReportes capturados;
         for (int i = mo->propertyOffset(); i < mo->propertyCount(); ++i)
             miembros << QByteArray(mo->property(i).typeName()) + ' ' + mo->property(i).name();
         for (int i = mo->methodOffset(); i < mo->methodCount(); ++i) {
@@ -90,7 +90,10 @@ private slots:
             const QStringList unos(m.parameterCount(), QStringLiteral("1"));
             QCOMPARE(app::invocaPorNombre(objeto.get(), nombre, unos).valor,
                      nombre == u"CancelaOp" ? QVariant::fromValue(VFalse) : QVariant());
-            QCOMPARE(std::exchange(textos, {}).join(u'|'), reportes.value(nombre));
+            QStringList textos = capturados.toma();
+            for (QString &t : textos)
+                t = t.section("\r\n", 1, 2);
+            QCOMPARE(textos.join(u'|'), reportes.value(nombre));
         }
         // In published order; the optional order of the kit operations may be left out.
         QCOMPARE(miembros.join("; "),
@@ -106,7 +109,7 @@ private slots:
 
     // Something that is not an environment is not taken for one; a released environment reads
     // back as empty, not as a dangling pointer.
-    void ambienteSetByName()
+    void ambientePuestoPorNombre()
     {
         std::unique_ptr<QObject> objeto(components::createObject(kProgId, m_registro));
         auto base = std::make_unique<pruebas::BaseDePrueba>(false);

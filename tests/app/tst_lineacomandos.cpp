@@ -116,7 +116,7 @@ private slots:
 
     // crea-base makes a new file in a new folder; the component, unregistered, is registered
     // again on the fly when needed, and said so.
-    void creaBaseAndRegistration()
+    void creaBaseYRegistro()
     {
         const QString demo = m_dir.filePath("nueva/base.db");
         QCOMPARE(corre({"crea-base", "--demo", "--base", demo}).codigo, 0);

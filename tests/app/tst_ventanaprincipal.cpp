@@ -16,7 +16,7 @@ class TstVentanaPrincipal : public QObject
     Q_OBJECT
 
 private slots:
-    void ordersListActionsAndKits()
+    void listaDeOrdenesAccionesYKits()
     {
         pruebas::preparaRegistro();
         pruebas::BaseDePrueba base;

@@ -7,6 +7,7 @@
 #include "host/Sql.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
+#include "tests/support/CapturaReportes.h"
 #include "tests/support/InteraccionGuionada.h"
 
 #include <QSqlQuery>
@@ -23,16 +24,6 @@ const QString kMovimientos = "SELECT tipo, concepto, orden, folio, almacen, arti
 const QString kExistencias = "SELECT articulo, almacen, cantidad FROM existencias WHERE articulo "
                              "IN ('REPISA', 'SOPORTE', 'TORN-01') ORDER BY articulo, almacen";
 
-// The rows a query returns, each as its values separated by blanks.
-QStringList filas(const QSqlDatabase &db, const QString &sql)
-{
-    QStringList r;
-    for (RecordsetPtr rs = anfitrion::consulta(db, sql); !rs->atEnd(); rs->moveNext())
-        for (int i = 0; i < rs->fieldCount(); ++i)
-            (i ? r.last() += ' ' : r.emplace_back()) += rs->value(i).toString();
-    return r;
-}
-
 } // namespace
 
 class TstLoteBase : public QObject
@@ -42,9 +33,9 @@ class TstLoteBase : public QObject
     std::unique_ptr<BaseDePrueba> base;
     std::shared_ptr<InteraccionGuionada> ui;
     std::unique_ptr<Produccion> p;
-    QStringList reportes;
+    std::unique_ptr<CapturaReportes> reportes;
 
-    QString existencias() { return filas(base->conexion(), kExistencias).join(", "); }
+    QString existencias() { return base->filas(kExistencias).join(", "); }
 
 private Q_SLOTS:
     void initTestCase() { preparaRegistro(); }
@@ -52,10 +43,9 @@ private Q_SLOTS:
     {
         modulo::reinicia();
         base = std::make_unique<BaseDePrueba>(true);
-        qobject_cast<anfitrion::AmbienteAnfitrion *>(base->ambiente())->ponAhora(kHoy.startOfDay());
+        base->fijaReloj(kHoy.startOfDay());
         ui = InteraccionGuionada::instala();
-        reportes.clear();
-        setReportSink([this](const QString &, const QString &texto) { reportes << texto; });
+        reportes = std::make_unique<CapturaReportes>();
         p = std::make_unique<Produccion>();
         p->SetAmbiente(base->ambiente());
     }
@@ -90,7 +80,7 @@ private Q_SLOTS:
         if (des)
             e = QStringList{"E # 1 TORN-01 10 0.5", "E # 1 TUER-01 10 0.3", "E # 1 PLAC-01 2.5 12",
                             "S $ 3 SOPORTE 2.5 38"};
-        QCOMPARE(filas(base->conexion(), kMovimientos),
+        QCOMPARE(base->filas(kMovimientos),
                  e.replaceInStrings("#", c[0]).replaceInStrings("$", c[1]));
         QCOMPARE(existencias(),
                  QString(des ? "SOPORTE 3 9.5, TORN-01 1 5010" : "SOPORTE 3 15, TORN-01 1 4988"));
@@ -103,8 +93,8 @@ private Q_SLOTS:
         base->ejecuta("INSERT INTO comppart (articulo, Componente, Cantidad, Almacen) VALUES "
                       "('RARO', 'TORN-01', 1, 1), ('RARO', 'X''Y', 1, 1)");
         p->Ensamble(QStringLiteral("RARO"), 1, 2, 0);
-        QVERIFY(reportes.size() == 1 && reportes[0].contains("articulo = 'X'Y'"));
-        QCOMPARE(filas(base->conexion(), kMovimientos), QStringList{"S EN 1 1 1 TORN-01 2 0.5"});
+        QVERIFY(reportes->textos.size() == 1 && reportes->textos[0].contains("articulo = 'X'Y'"));
+        QCOMPARE(base->filas(kMovimientos), QStringList{"S EN 1 1 1 TORN-01 2 0.5"});
         QCOMPARE(existencias(), QString("SOPORTE 3 12, TORN-01 1 4998"));
     }
 
@@ -117,8 +107,8 @@ private Q_SLOTS:
                           : "CREATE TRIGGER bloquea BEFORE UPDATE ON existencias BEGIN "
                             "SELECT RAISE(ABORT, 'bloqueada'); END");
         p->Ensamble(QStringLiteral("SOPORTE"), 3, 3, 1);
-        QVERIFY(reportes.size() == 1 && reportes[0].contains("bloqueada"));
-        QCOMPARE(filas(base->conexion(), kMovimientos), QStringList());
+        QVERIFY(reportes->textos.size() == 1 && reportes->textos[0].contains("bloqueada"));
+        QCOMPARE(base->filas(kMovimientos), QStringList());
         QCOMPARE(existencias(), QString("SOPORTE 3 12, TORN-01 1 5000"));
     }
 
@@ -141,8 +131,8 @@ private Q_SLOTS:
         });
         // Order 1, warehouse 3: 10 SOPORTE and 2 REPISA (none in stock yet).
         p->EntregaProductoTerminado(1);
-        QVERIFY(reportes.size() == int(pierde) &&
-                reportes.filter("Function: Ensamble") == reportes);
+        const QStringList &vistos = reportes->textos;
+        QVERIFY(vistos.size() == int(pierde) && vistos.filter("Function: Ensamble") == vistos);
 
         // A fresh connection sees what was posted; the lines count as delivered only if all were.
         const auto otra = anfitrion::Sesion::abre({.base = base->url()}, false);

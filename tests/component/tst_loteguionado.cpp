@@ -86,7 +86,7 @@ private Q_SLOTS:
         des ? h.p.Desensamble("K1", 1.5, 2, 0) : h.p.Ensamble("K1", 2, 6, 0);
         QCOMPARE(h.movimientos.join(',').remove("Documento1 ").remove("500 "), movimientos);
         const QString donde = des ? "Desensamble" : "Ensamble";
-        QCOMPARE(h.reportes,
+        QCOMPARE(h.reportes(),
                  QStringList(!error.isEmpty(), errorReportText("Produccion", donde, error)));
         if (!error.isEmpty())
             return;

@@ -1,6 +1,7 @@
 #include "controls/Teclas.h"
 #include "controls/Ventana.h"
 #include "runtime/Error.h"
+#include "tests/support/CapturaReportes.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -84,16 +85,12 @@ class TstVentana : public QObject
     }
 
 private Q_SLOTS:
-    void cleanup()
-    {
-        setReportSink({});
-        qDeleteAll(QApplication::topLevelWidgets());
-    }
+    void cleanup() { qDeleteAll(QApplication::topLevelWidgets()); }
 
     // With key preview a key reaches the window first, then the focused member with its index,
     // as key code and shift state (1 shift, 2 ctrl, 4 alt); the window may swallow it. Keys sent
     // to a window that is not the active one still reach its own controls.
-    void keyTranslationAndPreview()
+    void traduccionDeTeclasYVistaPrevia()
     {
         auto v = abre(true);
         QVERIFY(v && abre()); // the second window is the active one
@@ -108,22 +105,22 @@ private Q_SLOTS:
         QCOMPARE(v->campo(3)->text(), QStringLiteral("y"));
     }
 
-    void handlerErrorIsReportedWithModuleAndProcedure()
+    void errorDeManejadorSeReportaConModuloYProcedimiento()
     {
-        QString informe;
-        setReportSink([&](const QString &t, const QString &x) { informe += t + '|' + x; });
+        pruebas::CapturaReportes informes;
         auto v = abre();
         QVERIFY(v);
         QCOMPARE(pulsa(v, Qt::Key_F8), QStringList{"txtFields_KeyDown 3 119 0"}); // no preview
-        QCOMPARE(informe,
-                 QStringLiteral("ZuviProduccion|Error occured:\r\nModule: frmPrueba\r\n"
+        QCOMPARE(informes.titulos, QStringList{"ZuviProduccion"});
+        QCOMPARE(informes.textos.join(""),
+                 QStringLiteral("Error occured:\r\nModule: frmPrueba\r\n"
                                 "Function: txtFields_KeyDown\r\nDescription: El elemento 1 "
                                 "del arreglo de controles txtFields no existe."));
     }
 
     // Title bar (mode 0) and code (mode 1) go through one protocol; a cancel
     // (any non-zero value) at either step keeps the window open.
-    void unloadProtocol()
+    void protocoloDeDescarga()
     {
         const std::tuple<bool, qint16, qint16> casos[] = {{true, 0, 0},  {false, 0, 0},
                                                           {true, -1, 0}, {false, 1, 0},

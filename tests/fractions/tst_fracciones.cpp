@@ -2,6 +2,7 @@
 #include "fractions/frmFracciones.h"
 #include "runtime/ClassRegistry.h"
 #include "runtime/Error.h"
+#include "tests/support/CapturaReportes.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -13,7 +14,8 @@ namespace {
 
 // Each process start: its key, then Codigo, Estado and visible read by name from
 // the window it was handed. The process then leaves its key in Estado.
-QStringList llamadas, informes;
+QStringList llamadas;
+std::optional<pruebas::CapturaReportes> informes;
 QPointer<QObject> ventana; // the one handed last
 QString fallaEn;           // the key whose process throws
 
@@ -56,18 +58,19 @@ private Q_SLOTS:
     {
         ClassRegistry::instance().add(QStringLiteral("ControlProcesos"),
                                       [] { return new ProcesosGrabados; });
-        setReportSink([](const QString &, const QString &texto) { informes << texto; });
     }
+    void init() { informes.emplace(); }
     void cleanup()
     {
         qDeleteAll(QApplication::topLevelWidgets());
-        llamadas = informes = QStringList();
+        llamadas.clear();
+        informes.reset();
         fallaEn.clear();
     }
 
     // Form_Load sets Estado and starts the welcome before the window shows; Enter starts
     // "FRACCIONES" with the whole line, trimmed; other keys start nothing, the field stays.
-    void enterStartsTheCapture_data()
+    void enterIniciaLaCaptura_data()
     {
         QTest::addColumn<QString>("tecleado");
         QTest::addColumn<QString>("codigo");
@@ -76,7 +79,7 @@ private Q_SLOTS:
         QTest::newRow("blancos alrededor") << QStringLiteral("  75010 ") << QStringLiteral("75010");
         QTest::newRow("blanco interior") << QStringLiteral(" AB 12") << QStringLiteral("AB 12");
     }
-    void enterStartsTheCapture()
+    void enterIniciaLaCaptura()
     {
         QFETCH(QString, tecleado);
         QFETCH(QString, codigo);
@@ -86,10 +89,10 @@ private Q_SLOTS:
         QTest::keyClick(f->windowHandle(), Qt::Key_Return);
         QCOMPARE(llamadas, (QStringList{"FRACCIONES001||ESPERANDO USUARIO|false",
                                         "FRACCIONES|" + codigo + "|FRACCIONES001|true"}));
-        QVERIFY(informes.isEmpty() && f->txtFields(0)->text() == tecleado);
+        QVERIFY(informes->textos.isEmpty() && f->txtFields(0)->text() == tecleado);
     }
 
-    void twoCallsOpenTwoIndependentWindows()
+    void dosLlamadasAbrenDosVentanasIndependientes()
     {
         auto primera = abre(), segunda = abre();
         QVERIFY(primera && segunda && primera != segunda);
@@ -102,15 +105,15 @@ private Q_SLOTS:
         QCOMPARE(llamadas.last(), QStringLiteral("FRACCIONES|11|FRACCIONES001|true"));
     }
 
-    void errorsAreReportedWithTheProcedureName()
+    void erroresSeReportanConElNombreDelProcedimiento()
     {
         for (const QString procedimiento : {"Form_Load", "txtFields_KeyDown"}) {
             fallaEn = procedimiento == u"Form_Load" ? "FRACCIONES001" : "FRACCIONES";
-            informes.clear();
+            informes->textos.clear();
             auto f = abre();
             QVERIFY(f); // a failing welcome still leaves the window open
             QTest::keyClick(f->windowHandle(), Qt::Key_Return);
-            QCOMPARE(informes,
+            QCOMPARE(informes->textos,
                      QStringList{"Error occured:\r\nModule: frmFracciones\r\nFunction: " +
                                  procedimiento + "\r\nDescription: Servicio no disponible"});
         }

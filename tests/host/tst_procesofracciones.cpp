@@ -6,6 +6,7 @@
 #include "host/AmbienteAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
+#include "tests/support/CapturaReportes.h"
 
 #include <QApplication>
 #include <QLineEdit>
@@ -20,16 +21,15 @@ class TstProcesoFracciones : public QObject
     Q_OBJECT
 
     std::unique_ptr<pruebas::BaseDePrueba> m_base;
-    QStringList m_informes;
+    std::optional<pruebas::CapturaReportes> m_informes;
 
 private Q_SLOTS:
     void init()
     {
         pruebas::preparaRegistro();
-        setReportSink([this](const QString &, const QString &texto) { m_informes << texto; });
+        m_informes.emplace();
         m_base = std::make_unique<pruebas::BaseDePrueba>();
-        qobject_cast<anfitrion::AmbienteAnfitrion *>(m_base->ambiente())
-            ->ponAhora(QDateTime(QDate(2024, 5, 2), QTime(10, 15, 30)));
+        m_base->fijaReloj(QDateTime(QDate(2024, 5, 2), QTime(10, 15, 30)));
     }
     void cleanup()
     {
@@ -40,7 +40,7 @@ private Q_SLOTS:
 
     // An article or a secondary key is shown with its stock and recorded once, trimmed, with user,
     // date, time and station, and the field is cleared; anything else records nothing, says why.
-    void captureThroughTheWindow_data()
+    void capturaATravesDeLaVentana_data()
     {
         QTest::addColumn<QString>("tecleado");
         QTest::addColumn<QString>("articulo"); // recorded article, empty when none
@@ -55,7 +55,7 @@ private Q_SLOTS:
         fila("comilla sin escapar", "A'B", "", "«A'B» no corresponde");
         fila("solo blancos", "   ", "", "Escriba un código");
     }
-    void captureThroughTheWindow()
+    void capturaATravesDeLaVentana()
     {
         QFETCH(QString, tecleado);
         QFETCH(QString, articulo);
@@ -67,7 +67,8 @@ private Q_SLOTS:
         QVERIFY(f && QTest::qWaitForWindowActive(f));
         QTest::keyClicks(f->txtFields(0), tecleado);
         QTest::keyClick(f->windowHandle(), Qt::Key_Return);
-        QCOMPARE(std::exchange(m_informes, {}), QStringList());
+        QCOMPARE(m_informes->toma(), QStringList());
+        m_informes.reset();
         const QString visor = f->wb->toPlainText();
         QVERIFY2(visor.contains(enVisor) && visor.contains(articulo), qPrintable(visor));
         QCOMPARE(f->txtFields(0)->text(), articulo.isEmpty() ? tecleado : QString());

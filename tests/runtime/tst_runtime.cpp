@@ -2,6 +2,7 @@
 #include "runtime/Error.h"
 #include "runtime/Recordset.h"
 #include "runtime/VBool.h"
+#include "tests/support/CapturaReportes.h"
 
 #include <QSqlDatabase>
 #include <QSqlQuery>
@@ -15,7 +16,7 @@ class TstRuntime : public QObject
     Q_OBJECT
 
 private Q_SLOTS:
-    void recordsetWalksRowsAndReadsNullSafely()
+    void recordsetRecorreFilasYLeeNulosSinFallar()
     {
         Recordset rs({"Op", "Estado", "importe"},
                      {{120, QStringLiteral("PE"), QStringLiteral(" 3.25 ")},
@@ -42,7 +43,7 @@ private Q_SLOTS:
 
     // The next statement on the query does not change rows already read; an empty result keeps
     // its columns.
-    void recordsetFromQueryReadsAllRowsUpFront()
+    void recordsetDeConsultaLeeTodasLasFilas()
     {
         QSqlDatabase db = QSqlDatabase::addDatabase("QSQLITE", "rs");
         db.setDatabaseName(":memory:");
@@ -60,33 +61,27 @@ private Q_SLOTS:
         QCOMPARE(vacio->fieldCount(), 2);
     }
 
-    void interfaceBoolean()
+    void reporteDeErrorYTrampas()
     {
-        QVERIFY(toVBool(true) == -1 && toVBool(false) == 0 && sizeof(VBool) == 2);
-        QVERIFY(fromVBool(1) && fromVBool(VTrue) && !fromVBool(VFalse));
-    }
-
-    void errorReportAndTraps()
-    {
-        QStringList informes;
-        setReportSink([&](const QString &t, const QString &x) { informes << t + '|' + x; });
+        pruebas::CapturaReportes capturados;
         QVERIFY(!reportErrors("Produccion", "Ensamble", [] { throw Error("línea 1\nlínea 2"); }));
         reportErrors("m", "p", [] { throw std::runtime_error("fallo std"); });
         reportErrors("m", "p", [] { throw 5; });
         QVERIFY(reportErrors("m", "p", [] {}));
         QVERIFY(!swallowErrors([] { throw Error("x"); })); // silent
         QVERIFY(swallowErrors([] {}));
-        setReportSink({});
+        QCOMPARE(capturados.titulos, QStringList(3, "ZuviProduccion"));
+        const QStringList informes = capturados.toma();
         QCOMPARE(informes.size(), 3);
         QCOMPARE(informes.at(0),
-                 QStringLiteral("ZuviProduccion|Error occured:\r\nModule: Produccion"
+                 QStringLiteral("Error occured:\r\nModule: Produccion"
                                 "\r\nFunction: Ensamble\r\nDescription: línea 1\nlínea 2"));
         QVERIFY(informes.at(1).endsWith(QStringLiteral("Description: fallo std")));
         QVERIFY(informes.at(2).endsWith(QStringLiteral("Description: Error desconocido")));
     }
 
     // Names in any case; the interface the caller asks for is checked.
-    void classRegistryCreatesByName()
+    void registroDeClasesCreaPorNombre()
     {
         auto &registry = ClassRegistry::instance();
         registry.add("Marca", [] { return new QTimer; });

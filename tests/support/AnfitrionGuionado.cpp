@@ -190,10 +190,8 @@ AnfitrionGuionado::AnfitrionGuionado() : m_ambiente(std::make_unique<AmbienteGui
     r.add(kClases.at(1), [this] { return new ControlProcesosGuionado(this); });
     r.add(kClases.at(2), [this] { return new DocumentoGuionado(this); });
     r.add(kClases.at(3), [this] { return new VentanaProgresoGuionada(this); });
-    setReportSink([this](const QString &, const QString &t) {
-        reportes << t;
-        anota(QStringLiteral("ReportaError"), {t});
-    });
+    m_reportes = std::make_unique<CapturaReportes>(
+        [this](const QString &t) { anota(QStringLiteral("ReportaError"), {t}); });
 }
 
 AnfitrionGuionado::~AnfitrionGuionado()
@@ -201,7 +199,6 @@ AnfitrionGuionado::~AnfitrionGuionado()
     modulo::reinicia();
     for (const QString &c : kClases)
         ClassRegistry::instance().remove(c);
-    setReportSink(nullptr);
 }
 
 void AnfitrionGuionado::anota(const QString &operacion, const QStringList &argumentos)

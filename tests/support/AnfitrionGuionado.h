@@ -15,6 +15,7 @@
 
 #include "contract/Servicios.h"
 #include "runtime/Recordset.h"
+#include "tests/support/CapturaReportes.h"
 
 #include <QHash>
 #include <QSet>
@@ -43,16 +44,18 @@ struct AnfitrionGuionado
     QStringList registro;
     // One line per AplicaMovimiento: "document tipo orden almacen articulo cantidad".
     QStringList movimientos;
-    QStringList reportes; // error reports (full text), also logged as "ReportaError: ..."
-    int documentos = 0;   // movement documents created
+    int documentos = 0; // movement documents created
 
     // The log lines of these operations only.
     QStringList registroDe(const QStringList &operaciones) const;
     void anota(const QString &operacion, const QStringList &argumentos = {});
     zuvi::Ambiente *ambiente() const { return m_ambiente.get(); }
+    // Error reports (full text), also logged as "ReportaError: ...".
+    const QStringList &reportes() const { return m_reportes->textos; }
 
 private:
     std::unique_ptr<zuvi::Ambiente> m_ambiente;
+    std::unique_ptr<CapturaReportes> m_reportes;
 };
 
 } // namespace zuvi::pruebas

@@ -1,5 +1,6 @@
 #include "tests/support/BaseDePrueba.h"
 
+#include "host/AmbienteAnfitrion.h"
 #include "host/Sql.h"
 #include "runtime/Error.h"
 
@@ -92,6 +93,26 @@ QVariant BaseDePrueba::escalar(const QString &sql)
 {
     QSqlQuery q = anfitrion::ejecuta(conexion(), sql);
     return q.next() ? q.value(0) : QVariant();
+}
+
+QStringList filas(const QSqlDatabase &conexion, const QString &sql)
+{
+    QStringList r;
+    for (RecordsetPtr rs = anfitrion::consulta(conexion, sql); !rs->atEnd(); rs->moveNext()) {
+        QStringList valores;
+        for (int i = 0; i < rs->fieldCount(); ++i)
+            valores << rs->value(i).toString();
+        r << valores.join(u' ');
+    }
+    return r;
+}
+
+void BaseDePrueba::fijaReloj(const QDateTime &ahora)
+{
+    auto *ambiente = qobject_cast<anfitrion::AmbienteAnfitrion *>(m_sesion->ambiente());
+    if (!ambiente)
+        throw Error(QStringLiteral("El ambiente de la base de prueba no es el del anfitrión."));
+    ambiente->ponAhora(ahora);
 }
 
 void BaseDePrueba::ejecuta(const QString &sql)

@@ -7,8 +7,10 @@
 
 #include "host/Anfitrion.h"
 
+#include <QDateTime>
 #include <QSqlDatabase>
 #include <QString>
+#include <QStringList>
 #include <QVariant>
 
 #include <memory>
@@ -16,6 +18,10 @@
 class QTemporaryDir;
 
 namespace zuvi::pruebas {
+
+// Every row a query returns, each as its values separated by blanks: the one
+// way tests read rows.
+QStringList filas(const QSqlDatabase &conexion, const QString &sql);
 
 class BaseDePrueba
 {
@@ -33,6 +39,10 @@ public:
 
     // First field of the first row, invalid when there is none; throws Error on failure.
     QVariant escalar(const QString &sql);
+    QStringList filas(const QString &sql) { return pruebas::filas(conexion(), sql); }
+    // Stops the host's clock at this instant: dates, times and the movement
+    // folio no longer depend on when the test runs.
+    void fijaReloj(const QDateTime &ahora);
     void ejecuta(const QString &sql); // throws Error on failure
 
     // True when the tests of this process run against the MariaDB server.

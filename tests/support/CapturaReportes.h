@@ -7,19 +7,34 @@
 
 #include <QStringList>
 
+#include <functional>
+#include <utility>
+
 namespace zuvi::pruebas {
 
 class CapturaReportes
 {
 public:
-    CapturaReportes()
+    // alVer, when given, also hears each report as it comes (the scripted host
+    // writes it into its ordered log).
+    explicit CapturaReportes(std::function<void(const QString &texto)> alVer = {})
     {
-        setReportSink([this](const QString &titulo, const QString &texto) {
-            titulos << titulo;
-            textos << texto;
-        });
+        setReportSink(
+            [this, alVer = std::move(alVer)](const QString &titulo, const QString &texto) {
+                titulos << titulo;
+                textos << texto;
+                if (alVer)
+                    alVer(texto);
+            });
     }
-    ~CapturaReportes() { setReportSink({}); }
+    // A guard that replaced this one (set up before this one went) stays in force.
+    ~CapturaReportes()
+    {
+        if (actual() == this) {
+            actual() = nullptr;
+            setReportSink({});
+        }
+    }
     CapturaReportes(const CapturaReportes &) = delete;
     CapturaReportes &operator=(const CapturaReportes &) = delete;
 
@@ -28,6 +43,13 @@ public:
 
     QStringList titulos;
     QStringList textos;
+
+private:
+    static CapturaReportes *&actual()
+    {
+        static CapturaReportes *guardia = nullptr;
+        return guardia;
+    }
 };
 
 } // namespace zuvi::pruebas

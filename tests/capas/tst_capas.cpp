@@ -62,8 +62,8 @@ private slots:
                                     "fractions", "orders",   "shifts"};
         QTest::newRow("runtime") << "runtime" << QStringList{"runtime"};
         QTest::newRow("contract") << "contract" << QStringList{"runtime", "contract"};
-        for (const QString &c : {"component", "controls", "fractions", "orders", "shifts"})
-            QTest::newRow(qPrintable(c)) << c << modulo;
+        for (const char *c : {"component", "controls", "fractions", "orders", "shifts"})
+            QTest::newRow(c) << QString::fromLatin1(c) << modulo;
         QTest::newRow("host") << "host" << QStringList{"runtime", "contract", "host"};
         QTest::newRow("app") << "app" << QStringList{"runtime", "contract", "host", "app"};
     }

@@ -1,6 +1,11 @@
 #include "host/Sql.h"
 
+#include "host/Anfitrion.h"
 #include "runtime/Error.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QTime>
 
 #include <QFile>
 #include <QHash>
@@ -79,26 +84,43 @@ QSqlQuery &preparada(const QSqlDatabase &db, const QString &sql)
     return *p.sentencias.insert(sql, prepara(db, sql));
 }
 
+// The text a statement is traced and reported with: the one given, or the
+// statement with its values written in.
+QString textoDe(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                const QString &textoTraza)
+{
+    if (!textoTraza.isEmpty())
+        return textoTraza;
+    return valores.isEmpty() ? sql : textoConValores(sql, valores, motorDe(db));
+}
+
+void trazaSentencia(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                    const QString &textoTraza)
+{
+    if (hayTraza())
+        traza(textoDe(db, sql, valores, textoTraza));
+}
+
 // Runs a kept statement; on failure it is dropped, so a lost connection or a
 // changed table is prepared afresh next time.
 QSqlQuery &ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                             const QString &textoTraza)
 {
-    traza(textoTraza.isEmpty() ? sql : textoTraza);
+    trazaSentencia(db, sql, valores, textoTraza);
     QSqlQuery &q = preparada(db, sql);
     for (int i = 0; i < valores.size(); ++i)
         q.bindValue(i, valores.at(i));
     if (!q.exec()) {
         const QSqlError error = q.lastError();
         preparadas()[db.connectionName()].sentencias.remove(sql);
-        falla(error, textoTraza.isEmpty() ? sql : textoTraza);
+        falla(error, textoDe(db, sql, valores, textoTraza));
     }
     return q;
 }
 
 bool esSQLite(const QSqlDatabase &db)
 {
-    return db.driverName().startsWith(QLatin1String("QSQLITE"));
+    return motorDe(db) == Motor::SQLite;
 }
 
 } // namespace
@@ -186,12 +208,12 @@ QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql)
 QSqlQuery ejecutaConValores(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                             const QString &textoTraza)
 {
-    traza(textoTraza);
+    trazaSentencia(db, sql, valores, textoTraza);
     QSqlQuery q = prepara(db, sql);
     for (int i = 0; i < valores.size(); ++i)
         q.bindValue(i, valores.at(i));
     if (!q.exec())
-        falla(q.lastError(), textoTraza);
+        falla(q.lastError(), textoDe(db, sql, valores, textoTraza));
     return q;
 }
 
@@ -213,6 +235,11 @@ QString archivoTraza()
     return estado().archivo;
 }
 
+bool hayTraza()
+{
+    return estado().file.isOpen();
+}
+
 void traza(const QString &sentencia)
 {
     Traza &t = estado();
@@ -223,6 +250,71 @@ void traza(const QString &sentencia)
     t.file.write(linea.toUtf8());
     t.file.write("\n");
     t.file.flush();
+}
+
+Motor motorDe(const QSqlDatabase &db)
+{
+    return db.driverName().startsWith(QLatin1String("QSQLITE")) ? Motor::SQLite : Motor::MariaDB;
+}
+
+QString literalSql(const QVariant &v, Motor motor)
+{
+    if (!v.isValid() || v.isNull())
+        return QStringLiteral("NULL");
+    const auto citado = [](const QString &t) { return QLatin1Char('\'') + t + QLatin1Char('\''); };
+    switch (v.typeId()) {
+    case QMetaType::Bool:
+        return v.toBool() ? QStringLiteral("1") : QStringLiteral("0");
+    case QMetaType::Double:
+    case QMetaType::Float:
+        return QString::number(v.toDouble(), 'g', 15);
+    case QMetaType::Short:
+    case QMetaType::UShort:
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::Long:
+    case QMetaType::ULong:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Char:
+    case QMetaType::SChar:
+    case QMetaType::UChar:
+        return v.toString();
+    case QMetaType::QDate:
+        return citado(v.toDate().toString(QStringLiteral("yyyy-MM-dd")));
+    case QMetaType::QTime:
+        return citado(v.toTime().toString(QStringLiteral("hh:mm:ss")));
+    case QMetaType::QDateTime:
+        return citado(v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
+    default: {
+        QString t = v.toString();
+        if (motor == Motor::MariaDB)
+            t.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
+        t.replace(QLatin1Char('\''), QStringLiteral("''"));
+        return citado(t);
+    }
+    }
+}
+
+QString textoConValores(const QString &sql, const QVariantList &valores, Motor motor)
+{
+    QString texto;
+    texto.reserve(sql.size() + 16 * valores.size());
+    qsizetype siguiente = 0;
+    QChar comilla;
+    for (const QChar c : sql) {
+        if (!comilla.isNull()) {
+            if (c == comilla)
+                comilla = QChar();
+        } else if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
+            comilla = c;
+        } else if (c == QLatin1Char('?') && siguiente < valores.size()) {
+            texto += literalSql(valores.at(siguiente++), motor);
+            continue;
+        }
+        texto += c;
+    }
+    return texto;
 }
 
 } // namespace zuvi::anfitrion

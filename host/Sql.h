@@ -14,13 +14,16 @@
 
 namespace zuvi::anfitrion {
 
+enum class Motor; // host/Anfitrion.h
+
 // Runs a statement text as the component handed it over.
 QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql);
 
 // Runs a statement with '?' placeholders and bound values. textoTraza is what
-// the trace records (the statement with its values written in).
+// the trace records; when it is empty the trace gets the statement with its
+// values written in (built only while a trace is kept).
 QSqlQuery ejecutaConValores(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
-                            const QString &textoTraza);
+                            const QString &textoTraza = {});
 
 // The paths for statements that run once per row or per movement. The
 // prepared statement is kept per connection and text and re-executed with new
@@ -63,6 +66,19 @@ private:
 // The statement trace: empty turns it off.
 void ponTraza(const QString &archivo);
 QString archivoTraza();
+bool hayTraza();
 void traza(const QString &sentencia);
+
+// The engine behind a connection.
+Motor motorDe(const QSqlDatabase &db);
+
+// A value written as an SQL literal the way the engine reads it back: texts,
+// dates and times quoted (a quote doubled; on MariaDB a backslash too),
+// numbers as they are, booleans as 1 and 0, null as NULL.
+QString literalSql(const QVariant &valor, Motor motor);
+
+// The statement with each '?' outside a quoted text replaced by the literal of
+// its value, in order: what the trace shows for a statement with bound values.
+QString textoConValores(const QString &sql, const QVariantList &valores, Motor motor);
 
 } // namespace zuvi::anfitrion

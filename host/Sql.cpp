@@ -1,18 +1,21 @@
 #include "host/Sql.h"
 
 #include "host/Anfitrion.h"
+#include "host/SqlInterno.h"
 #include "runtime/Error.h"
-
-#include <QDate>
-#include <QDateTime>
-#include <QTime>
 
 #include <QFile>
 #include <QHash>
 #include <QSqlDriver>
 #include <QSqlError>
 
+#include <list>
+#include <unordered_map>
+
 namespace zuvi::anfitrion {
+
+using interno::FalloSql;
+using interno::SentenciaPreparada;
 
 namespace {
 
@@ -28,21 +31,34 @@ Traza &estado()
     return t;
 }
 
-[[noreturn]] void falla(const QSqlError &e, const QString &sql)
+FalloSql falloDe(const QSqlError &e)
 {
     QString texto = e.databaseText().trimmed();
     if (texto.isEmpty())
         texto = e.text().trimmed();
-    if (texto.isEmpty())
-        texto = QStringLiteral("error desconocido");
-    throw Error(QStringLiteral("Error de base de datos: %1 [%2]").arg(texto, sql),
-                e.nativeErrorCode().toInt());
+    return {texto, e.nativeErrorCode().toInt()};
+}
+
+[[noreturn]] void lanza(const FalloSql &f, const QString &sql)
+{
+    const QString texto = f.texto.isEmpty() ? QStringLiteral("error desconocido") : f.texto;
+    throw Error(QStringLiteral("Error de base de datos: %1 [%2]").arg(texto, sql), f.codigo);
+}
+
+[[noreturn]] void falla(const QSqlError &e, const QString &sql)
+{
+    lanza(falloDe(e), sql);
+}
+
+void exigeAbierta(const QSqlDatabase &db)
+{
+    if (!db.isOpen())
+        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
 }
 
 QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
 {
-    if (!db.isOpen())
-        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
+    exigeAbierta(db);
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(sql))
@@ -50,38 +66,119 @@ QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
     return q;
 }
 
-// Prepared statements kept per connection name. The driver pointer tells a
-// connection reopened under the same name from the one the statements were
-// prepared on.
+// The generic side: a QSqlQuery, prepared once.
+class SentenciaQt final : public SentenciaPreparada
+{
+public:
+    explicit SentenciaQt(QSqlQuery q) : m_q(std::move(q)) {}
+
+    bool ejecuta(const QVariantList &valores, RecordsetPtr *filas, ResultadoAccion *accion,
+                 FalloSql &fallo) override
+    {
+        for (int i = 0; i < valores.size(); ++i)
+            m_q.bindValue(i, valores.at(i));
+        if (!m_q.exec()) {
+            fallo = falloDe(m_q.lastError());
+            return false;
+        }
+        if (filas)
+            *filas = Recordset::fromQuery(m_q);
+        if (accion)
+            *accion = {m_q.numRowsAffected(), m_q.lastInsertId()};
+        m_q.finish(); // an open read would hold SQLite's snapshot
+        return true;
+    }
+
+private:
+    QSqlQuery m_q;
+};
+
+// The statements kept for one connection, the most recently used first; when
+// full, the least recently used one goes. The driver and its handle tell a
+// connection reopened under the same name from the one they were prepared on.
 struct Preparadas
 {
+    struct Entrada
+    {
+        QString texto;
+        std::unique_ptr<SentenciaPreparada> sentencia;
+    };
     const QSqlDriver *driver = nullptr;
-    QHash<QString, QSqlQuery> sentencias;
+    void *manejador = nullptr;
+    Motor motor = Motor::SQLite;
+    std::list<Entrada> orden;
+    QHash<QString, std::list<Entrada>::iterator> indice;
+
+    void vacia()
+    {
+        indice.clear();
+        orden.clear();
+    }
+    void quita(const QString &texto)
+    {
+        const auto it = indice.find(texto);
+        if (it == indice.end())
+            return;
+        orden.erase(*it);
+        indice.erase(it);
+    }
 };
 
 constexpr qsizetype kMaximoPreparadas = 256;
 
-QHash<QString, Preparadas> &preparadas()
+std::unordered_map<QString, Preparadas> &preparadas()
 {
-    static QHash<QString, Preparadas> cache;
+    static std::unordered_map<QString, Preparadas> cache;
     return cache;
 }
 
-QSqlQuery &preparada(const QSqlDatabase &db, const QString &sql)
+Preparadas &preparadasDe(const QSqlDatabase &db)
 {
-    if (!db.isOpen())
-        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
+    exigeAbierta(db);
     Preparadas &p = preparadas()[db.connectionName()];
-    if (p.driver != db.driver()) {
-        p.sentencias.clear();
+    void *manejador = interno::manejadorSQLite(db);
+    if (p.driver != db.driver() || p.manejador != manejador) {
+        p.vacia();
         p.driver = db.driver();
+        p.manejador = manejador;
+        p.motor = motorDe(db);
     }
-    auto it = p.sentencias.find(sql);
-    if (it != p.sentencias.end())
-        return *it;
-    if (p.sentencias.size() >= kMaximoPreparadas)
-        p.sentencias.clear();
-    return *p.sentencias.insert(sql, prepara(db, sql));
+    return p;
+}
+
+std::unique_ptr<SentenciaPreparada> preparaNueva(const QSqlDatabase &db, const QString &texto,
+                                                 FalloSql &fallo)
+{
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.prepare(texto)) {
+        fallo = falloDe(q.lastError());
+        return nullptr;
+    }
+    return std::make_unique<SentenciaQt>(std::move(q));
+}
+
+// The kept statement of a text, prepared when it is not kept; null with fallo
+// filled in when it does not prepare.
+SentenciaPreparada *preparada(const QSqlDatabase &db, Preparadas &p, const QString &texto,
+                              FalloSql &fallo)
+{
+    const auto it = p.indice.find(texto);
+    if (it != p.indice.end()) {
+        if (*it != p.orden.begin())
+            p.orden.splice(p.orden.begin(), p.orden, *it);
+        return p.orden.front().sentencia.get();
+    }
+    std::unique_ptr<SentenciaPreparada> nueva = preparaNueva(db, texto, fallo);
+    if (!nueva)
+        return nullptr;
+    if (p.orden.size() >= size_t(kMaximoPreparadas)) {
+        p.indice.remove(p.orden.back().texto);
+        p.orden.pop_back();
+    }
+    p.orden.push_front({texto, std::move(nueva)});
+    p.indice.insert(texto, p.orden.begin());
+    return p.orden.front().sentencia.get();
 }
 
 // The text a statement is traced and reported with: the one given, or the
@@ -101,21 +198,28 @@ void trazaSentencia(const QSqlDatabase &db, const QString &sql, const QVariantLi
         traza(textoDe(db, sql, valores, textoTraza));
 }
 
-// Runs a kept statement; on failure it is dropped, so a lost connection or a
-// changed table is prepared afresh next time.
-QSqlQuery &ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
-                            const QString &textoTraza)
+// Runs a kept statement. A text handed over with its values written in runs
+// as the kept statement of its normalized text, its literals bound; on
+// failure the statement is dropped, so a lost connection or a changed table
+// is prepared afresh next time.
+void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                      const QString &textoTraza, RecordsetPtr *filas, ResultadoAccion *accion)
 {
     trazaSentencia(db, sql, valores, textoTraza);
-    QSqlQuery &q = preparada(db, sql);
-    for (int i = 0; i < valores.size(); ++i)
-        q.bindValue(i, valores.at(i));
-    if (!q.exec()) {
-        const QSqlError error = q.lastError();
-        preparadas()[db.connectionName()].sentencias.remove(sql);
-        falla(error, textoDe(db, sql, valores, textoTraza));
+    Preparadas &p = preparadasDe(db);
+    SentenciaNormalizada n;
+    if (valores.isEmpty())
+        n = normalizaSentencia(sql, p.motor);
+    const QString &texto = n.entendida ? n.texto : sql;
+    const QVariantList &enlazados = n.entendida ? n.valores : valores;
+    FalloSql fallo;
+    SentenciaPreparada *s = preparada(db, p, texto, fallo);
+    if (!s)
+        lanza(fallo, textoDe(db, sql, valores, textoTraza));
+    if (!s->ejecuta(enlazados, filas, accion, fallo)) {
+        p.quita(texto);
+        lanza(fallo, textoDe(db, sql, valores, textoTraza));
     }
-    return q;
 }
 
 bool esSQLite(const QSqlDatabase &db)
@@ -128,24 +232,22 @@ bool esSQLite(const QSqlDatabase &db)
 RecordsetPtr consulta(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                       const QString &textoTraza)
 {
-    QSqlQuery &q = ejecutaPreparada(db, sql, valores, textoTraza);
-    RecordsetPtr filas = Recordset::fromQuery(q);
-    q.finish(); // an open read would hold SQLite's snapshot
+    RecordsetPtr filas;
+    ejecutaPreparada(db, sql, valores, textoTraza, &filas, nullptr);
     return filas;
 }
 
 ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
                               const QVariantList &valores, const QString &textoTraza)
 {
-    QSqlQuery &q = ejecutaPreparada(db, sql, valores, textoTraza);
-    ResultadoAccion r{q.numRowsAffected(), q.lastInsertId()};
-    q.finish();
+    ResultadoAccion r;
+    ejecutaPreparada(db, sql, valores, textoTraza, nullptr, &r);
     return r;
 }
 
 void olvidaSentencias(const QSqlDatabase &db)
 {
-    preparadas().remove(db.connectionName());
+    preparadas().erase(db.connectionName());
 }
 
 Transaccion::Transaccion(const QSqlDatabase &db) : m_db(db), m_sqlite(esSQLite(db))
@@ -255,66 +357,6 @@ void traza(const QString &sentencia)
 Motor motorDe(const QSqlDatabase &db)
 {
     return db.driverName().startsWith(QLatin1String("QSQLITE")) ? Motor::SQLite : Motor::MariaDB;
-}
-
-QString literalSql(const QVariant &v, Motor motor)
-{
-    if (!v.isValid() || v.isNull())
-        return QStringLiteral("NULL");
-    const auto citado = [](const QString &t) { return QLatin1Char('\'') + t + QLatin1Char('\''); };
-    switch (v.typeId()) {
-    case QMetaType::Bool:
-        return v.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return QString::number(v.toDouble(), 'g', 15);
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-        return v.toString();
-    case QMetaType::QDate:
-        return citado(v.toDate().toString(QStringLiteral("yyyy-MM-dd")));
-    case QMetaType::QTime:
-        return citado(v.toTime().toString(QStringLiteral("hh:mm:ss")));
-    case QMetaType::QDateTime:
-        return citado(v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
-    default: {
-        QString t = v.toString();
-        if (motor == Motor::MariaDB)
-            t.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
-        t.replace(QLatin1Char('\''), QStringLiteral("''"));
-        return citado(t);
-    }
-    }
-}
-
-QString textoConValores(const QString &sql, const QVariantList &valores, Motor motor)
-{
-    QString texto;
-    texto.reserve(sql.size() + 16 * valores.size());
-    qsizetype siguiente = 0;
-    QChar comilla;
-    for (const QChar c : sql) {
-        if (!comilla.isNull()) {
-            if (c == comilla)
-                comilla = QChar();
-        } else if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
-            comilla = c;
-        } else if (c == QLatin1Char('?') && siguiente < valores.size()) {
-            texto += literalSql(valores.at(siguiente++), motor);
-            continue;
-        }
-        texto += c;
-    }
-    return texto;
 }
 
 } // namespace zuvi::anfitrion

@@ -66,7 +66,8 @@ QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
     return q;
 }
 
-// The generic side: a QSqlQuery, prepared once.
+// The generic side: a QSqlQuery, prepared once. SQLite connections step their
+// statements on the driver's handle instead (host/SqlSQLite.cpp).
 class SentenciaQt final : public SentenciaPreparada
 {
 public:
@@ -146,9 +147,11 @@ Preparadas &preparadasDe(const QSqlDatabase &db)
     return p;
 }
 
-std::unique_ptr<SentenciaPreparada> preparaNueva(const QSqlDatabase &db, const QString &texto,
-                                                 FalloSql &fallo)
+std::unique_ptr<SentenciaPreparada> preparaNueva(const QSqlDatabase &db, const Preparadas &p,
+                                                 const QString &texto, FalloSql &fallo)
 {
+    if (p.manejador)
+        return interno::preparaEnSQLite(p.manejador, texto, fallo);
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(texto)) {
@@ -169,7 +172,7 @@ SentenciaPreparada *preparada(const QSqlDatabase &db, Preparadas &p, const QStri
             p.orden.splice(p.orden.begin(), p.orden, *it);
         return p.orden.front().sentencia.get();
     }
-    std::unique_ptr<SentenciaPreparada> nueva = preparaNueva(db, texto, fallo);
+    std::unique_ptr<SentenciaPreparada> nueva = preparaNueva(db, p, texto, fallo);
     if (!nueva)
         return nullptr;
     if (p.orden.size() >= size_t(kMaximoPreparadas)) {

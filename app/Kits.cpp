@@ -14,9 +14,7 @@ QString motivoParaNoDesensamblar(const QSqlDatabase &db, const QString &articulo
         "SELECT comppart.componente FROM comppart INNER JOIN prods ON prods.articulo = "
         "comppart.componente WHERE comppart.articulo = ? AND prods.kit <> 0 "
         "ORDER BY comppart.componente");
-    QString traza = sql;
-    traza.replace(QLatin1Char('?'), QLatin1Char('\'') + articulo + QLatin1Char('\''));
-    QSqlQuery q = anfitrion::ejecutaConValores(db, sql, {articulo}, traza);
+    QSqlQuery q = anfitrion::ejecutaConValores(db, sql, {articulo});
     QStringList anidados;
     while (q.next()) {
         const QString componente = q.value(0).toString().trimmed();
@@ -38,16 +36,14 @@ QString motivoParaNoDesensamblar(const QSqlDatabase &db, const QString &articulo
 bool existeReceta(const QSqlDatabase &db, const QString &articulo)
 {
     QSqlQuery q = anfitrion::ejecutaConValores(
-        db, QStringLiteral("SELECT COUNT(*) FROM comppart WHERE articulo = ?"), {articulo},
-        QStringLiteral("SELECT COUNT(*) FROM comppart WHERE articulo = '%1'").arg(articulo));
+        db, QStringLiteral("SELECT COUNT(*) FROM comppart WHERE articulo = ?"), {articulo});
     return q.next() && q.value(0).toLongLong() > 0;
 }
 
 bool existeOrden(const QSqlDatabase &db, qint32 op)
 {
     QSqlQuery q =
-        anfitrion::ejecutaConValores(db, QStringLiteral("SELECT op FROM op WHERE op = ?"), {op},
-                                     QStringLiteral("SELECT op FROM op WHERE op = %1").arg(op));
+        anfitrion::ejecutaConValores(db, QStringLiteral("SELECT op FROM op WHERE op = ?"), {op});
     return q.next();
 }
 

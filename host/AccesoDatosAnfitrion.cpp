@@ -144,18 +144,17 @@ VBool AccesoDatosAnfitrion::ExisteClave(const QString &valor, const QString &tab
 {
     exigeNombre(tabla, QStringLiteral("tabla"));
     exigeNombre(columna, QStringLiteral("columna"));
-    const QString sql = QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2 = ").arg(tabla, columna);
-    QSqlQuery q =
-        ejecutaConValores(conexion, sql + QLatin1Char('?'), {valor}, sql + literalSql(valor));
+    const QString sql = QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2 = ?").arg(tabla, columna);
+    QSqlQuery q = ejecutaConValores(conexion, sql, {valor});
     return toVBool(q.next() && variantToDouble(q.value(0)) > 0);
 }
 
 VBool AccesoDatosAnfitrion::UbicacionRestringida(const QString &articulo, qint16 almacen,
                                                  const QSqlDatabase &conexion)
 {
-    const QString sql = QStringLiteral("SELECT ubicacion FROM prods WHERE articulo = ");
-    QSqlQuery q = ejecutaConValores(conexion, sql + QLatin1Char('?'), {articulo.trimmed()},
-                                    sql + literalSql(articulo.trimmed()));
+    QSqlQuery q = ejecutaConValores(
+        conexion, QStringLiteral("SELECT ubicacion FROM prods WHERE articulo = ?"),
+        {articulo.trimmed()});
     if (!q.next())
         return VFalse;
     return toVBool(ubicacionRestringe(variantToText(q.value(0)), almacen));

@@ -26,11 +26,6 @@ void exigeNombre(const QString &nombre, const QString &que)
         throw Error(QStringLiteral("El nombre de %1 \"%2\" no es válido.").arg(que, nombre));
 }
 
-bool esSQLite(const QSqlDatabase &db)
-{
-    return db.driverName().startsWith(QLatin1String("QSQLITE"));
-}
-
 // The value as the driver binds it: small integers widened, booleans as 1/0,
 // times as text on SQLite (which keeps them as text anyway).
 QVariant valorParaEnlazar(const QVariant &original, bool sqlite)
@@ -84,46 +79,6 @@ QVariant valorSimple(const QVariant &valor)
     if (valor.metaType().flags().testFlag(QMetaType::PointerToQObject))
         return QVariant(textoPorOmision(valor.value<QObject *>()));
     return valor;
-}
-
-QString literalSql(const QVariant &original)
-{
-    const QVariant v = valorSimple(original);
-    if (!v.isValid() || v.isNull())
-        return QStringLiteral("NULL");
-    switch (v.typeId()) {
-    case QMetaType::Bool:
-        return v.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return QString::number(v.toDouble(), 'g', 15);
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-        return v.toString();
-    case QMetaType::QDate:
-        return QLatin1Char('\'') + v.toDate().toString(QStringLiteral("yyyy-MM-dd")) +
-               QLatin1Char('\'');
-    case QMetaType::QTime:
-        return QLatin1Char('\'') + v.toTime().toString(QStringLiteral("hh:mm:ss")) +
-               QLatin1Char('\'');
-    case QMetaType::QDateTime:
-        return QLatin1Char('\'') + v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")) +
-               QLatin1Char('\'');
-    default: {
-        QString t = v.toString();
-        t.replace(QLatin1Char('\''), QStringLiteral("''"));
-        return QLatin1Char('\'') + t + QLatin1Char('\'');
-    }
-    }
 }
 
 void ConstructorSqlAnfitrion::PonConexion(const QSqlDatabase &conexion)
@@ -193,12 +148,12 @@ QString ConstructorSqlAnfitrion::Genera(const QString &tabla)
                             .arg(c.columna, c.tabla, tabla));
     }
 
-    const bool sqlite = m_hayConexion && esSQLite(m_conexion);
+    const Motor motor = m_hayConexion ? motorDe(m_conexion) : Motor::SQLite;
     QStringList columnas, marcas, literales;
     for (const Campo &c : std::as_const(m_campos)) {
         columnas << c.columna;
-        m_valores << valorParaEnlazar(c.valor, sqlite);
-        literales << literalSql(c.valor);
+        m_valores << valorParaEnlazar(c.valor, motor == Motor::SQLite);
+        literales << literalSql(valorSimple(c.valor), motor);
     }
 
     if (m_tipo == QLatin1String("INSERT")) {

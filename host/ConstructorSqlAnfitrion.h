@@ -33,11 +33,6 @@ QString textoPorOmision(const QObject *objeto);
 // A value with a QObject* replaced by its default text; other values as they are.
 QVariant valorSimple(const QVariant &valor);
 
-// The value written as an SQL literal, for display and for the trace:
-// numbers in C-locale decimal, texts between single quotes with quotes
-// doubled, dates as 'yyyy-MM-dd', null as NULL.
-QString literalSql(const QVariant &valor);
-
 class ConstructorSqlAnfitrion : public zuvi::ConstructorSql
 {
     Q_OBJECT

@@ -28,46 +28,6 @@ const QString kExistenciasMariaDB =
     QStringLiteral("INSERT INTO existencias (articulo, almacen, cantidad) VALUES (?, ?, ?) "
                    "ON DUPLICATE KEY UPDATE cantidad = cantidad + VALUES(cantidad)");
 
-QString literal(const QVariant &v)
-{
-    if (v.isNull())
-        return QStringLiteral("NULL");
-    switch (v.typeId()) {
-    case QMetaType::QString:
-        return QLatin1Char('\'') + v.toString().replace(QLatin1Char('\''), QStringLiteral("''")) +
-               QLatin1Char('\'');
-    case QMetaType::QDate:
-        return QLatin1Char('\'') + v.toDate().toString(Qt::ISODate) + QLatin1Char('\'');
-    case QMetaType::Double:
-        return QString::number(v.toDouble(), 'g', 15);
-    default:
-        return v.toString();
-    }
-}
-
-// The statement with its values written in, as the trace shows it.
-QString conValores(const QString &sql, const QVariantList &valores)
-{
-    QString texto;
-    qsizetype i = 0;
-    for (const QChar c : sql) {
-        if (c == QLatin1Char('?') && i < valores.size())
-            texto += literal(valores.at(i++));
-        else
-            texto += c;
-    }
-    return texto;
-}
-
-// The values are written into the traced text only when a trace is kept:
-// building it costs as much as a good part of the statement itself.
-ResultadoAccion ejecutaTrazada(const QSqlDatabase &db, const QString &sql,
-                               const QVariantList &valores)
-{
-    return ejecutaAccion(db, sql, valores,
-                         archivoTraza().isEmpty() ? sql : conValores(sql, valores));
-}
-
 } // namespace
 
 void DocumentoInventarioAnfitrion::PonAmbiente(Ambiente *ambiente)
@@ -149,14 +109,14 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
     const QVariantList fila{tipo,    m_concepto, m_orden,    m_folio, m_usuario, fecha,
                             almacen, m_articulo, m_cantidad, m_costo, importe};
     const double cambio = tipo == QLatin1String("E") ? m_cantidad : -m_cantidad;
-    const bool lite = db.driverName().startsWith(QLatin1String("QSQLITE"));
+    const bool lite = motorDe(db) == Motor::SQLite;
 
     // The row and the stock go together or not at all. A caller that already
     // holds a transaction keeps it; this posting then joins it.
     Transaccion transaccion(db);
-    const QVariant id = ejecutaTrazada(db, kInserta, fila).ultimoId;
-    ejecutaTrazada(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
-                   {m_articulo, almacen, cambio});
+    const QVariant id = ejecutaAccion(db, kInserta, fila).ultimoId;
+    ejecutaAccion(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
+                  {m_articulo, almacen, cambio});
     transaccion.confirma();
     numero = id.isValid() ? id.toInt() : 0;
     return importe;

@@ -194,13 +194,7 @@ void insertaFilasBase(const QSqlDatabase &db, Motor motor)
     const QString inserta = insertaSiFalta(motor);
     for (const auto &[numero, texto] : catalogoMensajes()) {
         const QString sql = inserta + QStringLiteral(" mensajes (numero, texto) VALUES (?, ?)");
-        QString traza = sql;
-        traza.replace(traza.indexOf(QLatin1Char('?')), 1, QString::number(numero));
-        QString citado = texto;
-        citado.replace(QLatin1Char('\''), QStringLiteral("''"));
-        traza.replace(traza.indexOf(QLatin1Char('?')), 1,
-                      QLatin1Char('\'') + citado + QLatin1Char('\''));
-        ejecutaConValores(db, sql, {numero, texto}, traza);
+        ejecutaConValores(db, sql, {numero, texto});
     }
     // The station a fresh installation runs as: the first warehouse, no
     // barcode reader.

@@ -1,5 +1,6 @@
 #include "host/Folios.h"
 
+#include "host/Anfitrion.h"
 #include "host/Sql.h"
 #include "runtime/Error.h"
 
@@ -23,30 +24,9 @@ constexpr int kEsperaMaximaMs = 60000;
 // increment itself never overflows.
 constexpr qint32 kUltimoPosible = std::numeric_limits<qint32>::max() - 1;
 
-// The statement as the trace shows it: each '?' replaced by its value.
-QString conValores(QString sql, const QVariantList &valores)
-{
-    for (const QVariant &v : valores) {
-        const int i = sql.indexOf(QLatin1Char('?'));
-        if (i < 0)
-            break;
-        const QString texto = v.typeId() == QMetaType::QString
-                                  ? QLatin1Char('\'') + v.toString() + QLatin1Char('\'')
-                                  : v.toString();
-        sql.replace(i, 1, texto);
-    }
-    return sql;
-}
-
 QSqlQuery corre(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
 {
-    return ejecutaConValores(db, sql, valores, conValores(sql, valores));
-}
-
-bool esMariaDB(const QSqlDatabase &db)
-{
-    const QString d = db.driverName();
-    return d == QLatin1String("QMYSQL") || d == QLatin1String("QMARIADB");
+    return ejecutaConValores(db, sql, valores);
 }
 
 // SQLITE_BUSY and SQLITE_LOCKED, with their extended codes.
@@ -161,7 +141,7 @@ qint32 siguienteFolio(const QSqlDatabase &db, const QString &clave)
         throw Error(QStringLiteral("No se indicó la clave de la numeración."));
     if (!db.isOpen())
         throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
-    return esMariaDB(db) ? folioMariaDB(db, clave) : folioSQLite(db, clave);
+    return motorDe(db) == Motor::MariaDB ? folioMariaDB(db, clave) : folioSQLite(db, clave);
 }
 
 } // namespace zuvi::anfitrion

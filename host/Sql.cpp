@@ -1,5 +1,7 @@
 #include "host/Sql.h"
 
+#include "host/Anfitrion.h"
+#include "host/SqlInterno.h"
 #include "runtime/Error.h"
 
 #include <QFile>
@@ -7,7 +9,13 @@
 #include <QSqlDriver>
 #include <QSqlError>
 
+#include <list>
+#include <unordered_map>
+
 namespace zuvi::anfitrion {
+
+using interno::FalloSql;
+using interno::SentenciaPreparada;
 
 namespace {
 
@@ -23,21 +31,34 @@ Traza &estado()
     return t;
 }
 
-[[noreturn]] void falla(const QSqlError &e, const QString &sql)
+FalloSql falloDe(const QSqlError &e)
 {
     QString texto = e.databaseText().trimmed();
     if (texto.isEmpty())
         texto = e.text().trimmed();
-    if (texto.isEmpty())
-        texto = QStringLiteral("error desconocido");
-    throw Error(QStringLiteral("Error de base de datos: %1 [%2]").arg(texto, sql),
-                e.nativeErrorCode().toInt());
+    return {texto, e.nativeErrorCode().toInt()};
+}
+
+[[noreturn]] void lanza(const FalloSql &f, const QString &sql)
+{
+    const QString texto = f.texto.isEmpty() ? QStringLiteral("error desconocido") : f.texto;
+    throw Error(QStringLiteral("Error de base de datos: %1 [%2]").arg(texto, sql), f.codigo);
+}
+
+[[noreturn]] void falla(const QSqlError &e, const QString &sql)
+{
+    lanza(falloDe(e), sql);
+}
+
+void exigeAbierta(const QSqlDatabase &db)
+{
+    if (!db.isOpen())
+        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
 }
 
 QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
 {
-    if (!db.isOpen())
-        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
+    exigeAbierta(db);
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(sql))
@@ -45,60 +66,168 @@ QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
     return q;
 }
 
-// Prepared statements kept per connection name. The driver pointer tells a
-// connection reopened under the same name from the one the statements were
-// prepared on.
+// The generic side: a QSqlQuery, prepared once. SQLite connections step their
+// statements on the driver's handle instead (host/SqlSQLite.cpp).
+class SentenciaQt final : public SentenciaPreparada
+{
+public:
+    explicit SentenciaQt(QSqlQuery q) : m_q(std::move(q)) {}
+
+    bool ejecuta(const QVariantList &valores, RecordsetPtr *filas, ResultadoAccion *accion,
+                 FalloSql &fallo) override
+    {
+        for (int i = 0; i < valores.size(); ++i)
+            m_q.bindValue(i, valores.at(i));
+        if (!m_q.exec()) {
+            fallo = falloDe(m_q.lastError());
+            return false;
+        }
+        if (filas)
+            *filas = Recordset::fromQuery(m_q);
+        if (accion)
+            *accion = {m_q.numRowsAffected(), m_q.lastInsertId()};
+        m_q.finish(); // an open read would hold SQLite's snapshot
+        return true;
+    }
+
+private:
+    QSqlQuery m_q;
+};
+
+// The statements kept for one connection, the most recently used first; when
+// full, the least recently used one goes. The driver and its handle tell a
+// connection reopened under the same name from the one they were prepared on.
 struct Preparadas
 {
+    struct Entrada
+    {
+        QString texto;
+        std::unique_ptr<SentenciaPreparada> sentencia;
+    };
     const QSqlDriver *driver = nullptr;
-    QHash<QString, QSqlQuery> sentencias;
+    void *manejador = nullptr;
+    Motor motor = Motor::SQLite;
+    std::list<Entrada> orden;
+    QHash<QString, std::list<Entrada>::iterator> indice;
+
+    void vacia()
+    {
+        indice.clear();
+        orden.clear();
+    }
+    void quita(const QString &texto)
+    {
+        const auto it = indice.find(texto);
+        if (it == indice.end())
+            return;
+        orden.erase(*it);
+        indice.erase(it);
+    }
 };
 
 constexpr qsizetype kMaximoPreparadas = 256;
 
-QHash<QString, Preparadas> &preparadas()
+std::unordered_map<QString, Preparadas> &preparadas()
 {
-    static QHash<QString, Preparadas> cache;
+    static std::unordered_map<QString, Preparadas> cache;
     return cache;
 }
 
-QSqlQuery &preparada(const QSqlDatabase &db, const QString &sql)
+Preparadas &preparadasDe(const QSqlDatabase &db)
 {
-    if (!db.isOpen())
-        throw Error(QStringLiteral("No hay conexión abierta con la base de datos."));
+    exigeAbierta(db);
     Preparadas &p = preparadas()[db.connectionName()];
-    if (p.driver != db.driver()) {
-        p.sentencias.clear();
+    void *manejador = interno::manejadorSQLite(db);
+    if (p.driver != db.driver() || p.manejador != manejador) {
+        p.vacia();
         p.driver = db.driver();
+        p.manejador = manejador;
+        p.motor = motorDe(db);
     }
-    auto it = p.sentencias.find(sql);
-    if (it != p.sentencias.end())
-        return *it;
-    if (p.sentencias.size() >= kMaximoPreparadas)
-        p.sentencias.clear();
-    return *p.sentencias.insert(sql, prepara(db, sql));
+    return p;
 }
 
-// Runs a kept statement; on failure it is dropped, so a lost connection or a
-// changed table is prepared afresh next time.
-QSqlQuery &ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
-                            const QString &textoTraza)
+std::unique_ptr<SentenciaPreparada> preparaNueva(const QSqlDatabase &db, const Preparadas &p,
+                                                 const QString &texto, FalloSql &fallo)
 {
-    traza(textoTraza.isEmpty() ? sql : textoTraza);
-    QSqlQuery &q = preparada(db, sql);
-    for (int i = 0; i < valores.size(); ++i)
-        q.bindValue(i, valores.at(i));
-    if (!q.exec()) {
-        const QSqlError error = q.lastError();
-        preparadas()[db.connectionName()].sentencias.remove(sql);
-        falla(error, textoTraza.isEmpty() ? sql : textoTraza);
+    if (p.manejador)
+        return interno::preparaEnSQLite(p.manejador, texto, fallo);
+    QSqlQuery q(db);
+    q.setForwardOnly(true);
+    if (!q.prepare(texto)) {
+        fallo = falloDe(q.lastError());
+        return nullptr;
     }
-    return q;
+    return std::make_unique<SentenciaQt>(std::move(q));
+}
+
+// The kept statement of a text, prepared when it is not kept; null with fallo
+// filled in when it does not prepare.
+SentenciaPreparada *preparada(const QSqlDatabase &db, Preparadas &p, const QString &texto,
+                              FalloSql &fallo)
+{
+    const auto it = p.indice.find(texto);
+    if (it != p.indice.end()) {
+        if (*it != p.orden.begin())
+            p.orden.splice(p.orden.begin(), p.orden, *it);
+        return p.orden.front().sentencia.get();
+    }
+    std::unique_ptr<SentenciaPreparada> nueva = preparaNueva(db, p, texto, fallo);
+    if (!nueva)
+        return nullptr;
+    if (p.orden.size() >= size_t(kMaximoPreparadas)) {
+        p.indice.remove(p.orden.back().texto);
+        p.orden.pop_back();
+    }
+    p.orden.push_front({texto, std::move(nueva)});
+    p.indice.insert(texto, p.orden.begin());
+    return p.orden.front().sentencia.get();
+}
+
+// The text a statement is traced and reported with: the one given, or the
+// statement with its values written in.
+QString textoDe(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                const QString &textoTraza)
+{
+    if (!textoTraza.isEmpty())
+        return textoTraza;
+    return valores.isEmpty() ? sql : textoConValores(sql, valores, motorDe(db));
+}
+
+void trazaSentencia(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                    const QString &textoTraza)
+{
+    if (hayTraza())
+        traza(textoDe(db, sql, valores, textoTraza));
+}
+
+// Runs a kept statement. A text handed over with its values written in runs
+// as the kept statement of its normalized text, its literals bound; on
+// failure the statement is dropped, so a lost connection or a changed table
+// is prepared afresh next time.
+void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                      const QString &textoTraza, RecordsetPtr *filas, ResultadoAccion *accion)
+{
+    trazaSentencia(db, sql, valores, textoTraza);
+    Preparadas &p = preparadasDe(db);
+    SentenciaNormalizada n;
+    if (valores.isEmpty())
+        n = normalizaSentencia(sql, p.motor);
+    const QString &texto = n.entendida ? n.texto : sql;
+    const QVariantList &enlazados = n.entendida ? n.valores : valores;
+    FalloSql fallo;
+    SentenciaPreparada *s = preparada(db, p, texto, fallo);
+    if (!s)
+        lanza(fallo, textoDe(db, sql, valores, textoTraza));
+    if (!s->ejecuta(enlazados, filas, accion, fallo)) {
+        p.quita(texto);
+        lanza(fallo, textoDe(db, sql, valores, textoTraza));
+    }
 }
 
 bool esSQLite(const QSqlDatabase &db)
 {
-    return db.driverName().startsWith(QLatin1String("QSQLITE"));
+    return motorDe(db) == Motor::SQLite;
 }
 
 } // namespace
@@ -106,24 +235,22 @@ bool esSQLite(const QSqlDatabase &db)
 RecordsetPtr consulta(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                       const QString &textoTraza)
 {
-    QSqlQuery &q = ejecutaPreparada(db, sql, valores, textoTraza);
-    RecordsetPtr filas = Recordset::fromQuery(q);
-    q.finish(); // an open read would hold SQLite's snapshot
+    RecordsetPtr filas;
+    ejecutaPreparada(db, sql, valores, textoTraza, &filas, nullptr);
     return filas;
 }
 
 ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
                               const QVariantList &valores, const QString &textoTraza)
 {
-    QSqlQuery &q = ejecutaPreparada(db, sql, valores, textoTraza);
-    ResultadoAccion r{q.numRowsAffected(), q.lastInsertId()};
-    q.finish();
+    ResultadoAccion r;
+    ejecutaPreparada(db, sql, valores, textoTraza, nullptr, &r);
     return r;
 }
 
 void olvidaSentencias(const QSqlDatabase &db)
 {
-    preparadas().remove(db.connectionName());
+    preparadas().erase(db.connectionName());
 }
 
 Transaccion::Transaccion(const QSqlDatabase &db) : m_db(db), m_sqlite(esSQLite(db))
@@ -186,12 +313,12 @@ QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql)
 QSqlQuery ejecutaConValores(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                             const QString &textoTraza)
 {
-    traza(textoTraza);
+    trazaSentencia(db, sql, valores, textoTraza);
     QSqlQuery q = prepara(db, sql);
     for (int i = 0; i < valores.size(); ++i)
         q.bindValue(i, valores.at(i));
     if (!q.exec())
-        falla(q.lastError(), textoTraza);
+        falla(q.lastError(), textoDe(db, sql, valores, textoTraza));
     return q;
 }
 
@@ -213,6 +340,11 @@ QString archivoTraza()
     return estado().archivo;
 }
 
+bool hayTraza()
+{
+    return estado().file.isOpen();
+}
+
 void traza(const QString &sentencia)
 {
     Traza &t = estado();
@@ -223,6 +355,11 @@ void traza(const QString &sentencia)
     t.file.write(linea.toUtf8());
     t.file.write("\n");
     t.file.flush();
+}
+
+Motor motorDe(const QSqlDatabase &db)
+{
+    return db.driverName().startsWith(QLatin1String("QSQLITE")) ? Motor::SQLite : Motor::MariaDB;
 }
 
 } // namespace zuvi::anfitrion

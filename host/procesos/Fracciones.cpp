@@ -49,26 +49,9 @@ QString aviso(const QString &texto, const QString &color)
         .arg(color, texto.toHtmlEscaped());
 }
 
-// The statement as the trace shows it: the values written in, in order.
-QString trazaCon(const QString &sql, const QVariantList &valores)
-{
-    QString traza;
-    qsizetype desde = 0;
-    for (const QVariant &v : valores) {
-        const qsizetype marca = sql.indexOf(QLatin1Char('?'), desde);
-        if (marca < 0)
-            break;
-        const QString texto =
-            v.typeId() == QMetaType::QDate ? v.toDate().toString(Qt::ISODate) : v.toString();
-        traza += sql.mid(desde, marca - desde) + QLatin1Char('\'') + texto + QLatin1Char('\'');
-        desde = marca + 1;
-    }
-    return traza + sql.mid(desde);
-}
-
 QSqlQuery consulta(const QSqlDatabase &db, const QString &sql, const QVariantList &valores)
 {
-    return ejecutaConValores(db, sql, valores, trazaCon(sql, valores));
+    return ejecutaConValores(db, sql, valores);
 }
 
 struct Articulo

@@ -1,0 +1,222 @@
+// The SQLite side of the statement path: the statement prepared and stepped
+// on the handle of the driver's own connection, its values bound as UTF-8
+// and its columns read by ordinal, converted as the driver converts them.
+
+#include "host/SqlInterno.h"
+
+#include <QDate>
+#include <QDateTime>
+#include <QSqlDriver>
+#include <QStringEncoder>
+#include <QTime>
+
+#include <sqlite3.h>
+
+#include <string>
+#include <vector>
+
+namespace zuvi::anfitrion::interno {
+
+namespace {
+
+class SentenciaSQLite final : public SentenciaPreparada
+{
+public:
+    SentenciaSQLite(sqlite3 *db, sqlite3_stmt *st) : m_db(db), m_st(st) {}
+    ~SentenciaSQLite() override { sqlite3_finalize(m_st); }
+
+    bool ejecuta(const QVariantList &valores, RecordsetPtr *filas, ResultadoAccion *accion,
+                 FalloSql &fallo) override
+    {
+        sqlite3_reset(m_st);
+        const int marcas = sqlite3_bind_parameter_count(m_st);
+        if (marcas != valores.size()) {
+            fallo = {QStringLiteral("Parameter count mismatch"), SQLITE_RANGE};
+            return false;
+        }
+        if (m_textos.size() < size_t(marcas))
+            m_textos.resize(size_t(marcas));
+        for (int i = 0; i < marcas; ++i) {
+            if (enlaza(i, valores.at(i)) != SQLITE_OK)
+                return falla(fallo);
+        }
+        QList<QVariantList> leidas;
+        int rc;
+        while ((rc = sqlite3_step(m_st)) == SQLITE_ROW) {
+            if (filas)
+                leidas.append(fila());
+        }
+        if (rc != SQLITE_DONE) {
+            const bool r = falla(fallo);
+            sqlite3_reset(m_st);
+            return r;
+        }
+        if (filas) {
+            revisaColumnas();
+            *filas = std::make_shared<Recordset>(m_columnas, std::move(leidas));
+        }
+        if (accion) {
+            accion->filas = sqlite3_changes(m_db);
+            const qint64 id = sqlite3_last_insert_rowid(m_db);
+            accion->ultimoId = id ? QVariant(id) : QVariant();
+        }
+        // A statement left stepping would hold its read snapshot open.
+        sqlite3_reset(m_st);
+        return true;
+    }
+
+private:
+    bool falla(FalloSql &fallo)
+    {
+        fallo = {QString::fromUtf8(sqlite3_errmsg(m_db)), sqlite3_extended_errcode(m_db)};
+        return false;
+    }
+
+    int enlazaTexto(int i, QStringView texto)
+    {
+        std::string &b = m_textos[size_t(i)];
+        b.resize(size_t(m_utf8.requiredSpace(texto.size())));
+        char *fin = m_utf8.appendToBuffer(b.data(), texto);
+        return sqlite3_bind_text(m_st, i + 1, b.data(), int(fin - b.data()), SQLITE_STATIC);
+    }
+
+    // The values bound as the driver binds them.
+    int enlaza(int i, const QVariant &v)
+    {
+        if (!v.isValid() || v.isNull())
+            return sqlite3_bind_null(m_st, i + 1);
+        switch (v.typeId()) {
+        case QMetaType::Bool:
+        case QMetaType::Int:
+        case QMetaType::Short:
+        case QMetaType::UShort:
+        case QMetaType::Char:
+        case QMetaType::SChar:
+        case QMetaType::UChar:
+        case QMetaType::UInt:
+        case QMetaType::Long:
+        case QMetaType::LongLong:
+            return sqlite3_bind_int64(m_st, i + 1, v.toLongLong());
+        case QMetaType::ULong:
+        case QMetaType::ULongLong:
+            return sqlite3_bind_int64(m_st, i + 1, qint64(v.toULongLong()));
+        case QMetaType::Double:
+        case QMetaType::Float:
+            return sqlite3_bind_double(m_st, i + 1, v.toDouble());
+        case QMetaType::QByteArray: {
+            const QByteArray b = v.toByteArray();
+            return sqlite3_bind_blob(m_st, i + 1, b.constData(), int(b.size()), SQLITE_TRANSIENT);
+        }
+        case QMetaType::QString: {
+            const QString &t = *static_cast<const QString *>(v.constData());
+            return enlazaTexto(i, t);
+        }
+        case QMetaType::QDateTime:
+            return enlazaTexto(i, v.toDateTime().toString(Qt::ISODateWithMs));
+        case QMetaType::QTime:
+            return enlazaTexto(i, v.toTime().toString(QStringLiteral("hh:mm:ss.zzz")));
+        default:
+            return enlazaTexto(i, v.toString());
+        }
+    }
+
+    QVariantList fila()
+    {
+        const int n = sqlite3_column_count(m_st);
+        QVariantList f;
+        f.reserve(n);
+        for (int i = 0; i < n; ++i) {
+            switch (sqlite3_column_type(m_st, i)) {
+            case SQLITE_INTEGER:
+                f.append(QVariant(qint64(sqlite3_column_int64(m_st, i))));
+                break;
+            case SQLITE_FLOAT:
+                f.append(QVariant(sqlite3_column_double(m_st, i)));
+                break;
+            case SQLITE_NULL:
+                f.append(QVariant(QMetaType::fromType<QString>()));
+                break;
+            case SQLITE_BLOB: {
+                const auto *datos = static_cast<const char *>(sqlite3_column_blob(m_st, i));
+                f.append(QVariant(QByteArray(datos, sqlite3_column_bytes(m_st, i))));
+                break;
+            }
+            default: {
+                const auto *t = reinterpret_cast<const char *>(sqlite3_column_text(m_st, i));
+                f.append(QVariant(QString::fromUtf8(t, sqlite3_column_bytes(m_st, i))));
+                break;
+            }
+            }
+        }
+        return f;
+    }
+
+    // The names are read again only when SQLite prepared the statement anew
+    // (a changed table): the pointers it hands out change with it.
+    void revisaColumnas()
+    {
+        const int n = sqlite3_column_count(m_st);
+        bool iguales = int(m_punteros.size()) == n;
+        for (int i = 0; iguales && i < n; ++i)
+            iguales = m_punteros[size_t(i)] == sqlite3_column_name(m_st, i);
+        if (iguales)
+            return;
+        m_punteros.clear();
+        QStringList nombres;
+        nombres.reserve(n);
+        for (int i = 0; i < n; ++i) {
+            const char *nombre = sqlite3_column_name(m_st, i);
+            m_punteros.push_back(nombre);
+            // The driver drops the quotes of a quoted column name.
+            nombres.append(QString::fromUtf8(nombre).remove(QLatin1Char('"')));
+        }
+        m_columnas = nombres;
+    }
+
+    sqlite3 *m_db;
+    sqlite3_stmt *m_st;
+    QStringEncoder m_utf8{QStringEncoder::Utf8, QStringEncoder::Flag::Stateless};
+    std::vector<std::string> m_textos;
+    std::vector<const char *> m_punteros;
+    QStringList m_columnas;
+};
+
+} // namespace
+
+void *manejadorSQLite(const QSqlDatabase &db)
+{
+    const QSqlDriver *driver = db.driver();
+    if (!driver || !driver->isOpen())
+        return nullptr;
+    const QVariant h = driver->handle();
+    if (!h.isValid() || qstrcmp(h.typeName(), "sqlite3*") != 0)
+        return nullptr;
+    return *static_cast<sqlite3 *const *>(h.constData());
+}
+
+std::unique_ptr<SentenciaPreparada> preparaEnSQLite(void *manejador, const QString &sql,
+                                                    FalloSql &fallo)
+{
+    auto *db = static_cast<sqlite3 *>(manejador);
+    const QByteArray texto = sql.toUtf8();
+    sqlite3_stmt *st = nullptr;
+    const char *resto = nullptr;
+    const int rc = sqlite3_prepare_v2(db, texto.constData(), int(texto.size()) + 1, &st, &resto);
+    if (rc != SQLITE_OK) {
+        fallo = {QString::fromUtf8(sqlite3_errmsg(db)), sqlite3_extended_errcode(db)};
+        sqlite3_finalize(st);
+        return nullptr;
+    }
+    if (!st) {
+        fallo = {QStringLiteral("No hay sentencia que ejecutar"), SQLITE_MISUSE};
+        return nullptr;
+    }
+    if (resto && !QByteArray(resto).trimmed().isEmpty()) {
+        sqlite3_finalize(st);
+        fallo = {QStringLiteral("Unable to execute multiple statements at a time"), SQLITE_MISUSE};
+        return nullptr;
+    }
+    return std::make_unique<SentenciaSQLite>(db, st);
+}
+
+} // namespace zuvi::anfitrion::interno

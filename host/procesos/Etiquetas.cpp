@@ -60,16 +60,14 @@ void dibujaCodigo(QPainter &pintor, const QRectF &destino, const QString &texto)
     if (r >= ZINT_ERROR || !s->vector)
         throw Error(QStringLiteral("No se pudo formar el código de barras de \"%1\": %2")
                         .arg(texto, QString::fromLatin1(s->errtxt)));
-    const double escala =
-        qMin(destino.width() / s->vector->width, destino.height() / s->vector->height);
-    const double x0 = destino.left() + (destino.width() - s->vector->width * escala) / 2;
+    // As wide as the label allows; the bars take the whole height given.
+    const double escala = destino.width() / s->vector->width;
     pintor.save();
     pintor.setPen(Qt::NoPen);
     pintor.setBrush(Qt::black);
-    // Bars stretched to the whole height given: a label is read across.
-    const double altoBarras = destino.height();
     for (zint_vector_rect *b = s->vector->rectangles; b; b = b->next)
-        pintor.drawRect(QRectF(x0 + b->x * escala, destino.top(), b->width * escala, altoBarras));
+        pintor.drawRect(QRectF(destino.left() + b->x * escala, destino.top(), b->width * escala,
+                               destino.height()));
     pintor.restore();
 }
 

@@ -7,6 +7,7 @@
 #include "controls/Rejilla.h"
 #include "host/AmbienteAnfitrion.h"
 #include "host/Anfitrion.h"
+#include "host/Reportes.h"
 #include "host/Sql.h"
 #include "orders/frmOp.h"
 #include "tests/support/BaseDePrueba.h"
@@ -19,6 +20,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 
 using namespace zuvi;
@@ -72,6 +74,8 @@ class TstFrmOp : public QObject
     QStringList procesos; // process keys as the host received them
     QSet<QString> vetados;
     QString hoy;
+    anfitrion::ManejadorProceso etiquetasReales; // the host's own "OP007"
+    bool conEtiquetas = false;
 
     QString mensaje(int n)
     {
@@ -110,7 +114,12 @@ class TstFrmOp : public QObject
     }
 
 private Q_SLOTS:
-    void initTestCase() { preparaRegistro(); }
+    void initTestCase()
+    {
+        preparaRegistro();
+        etiquetasReales = anfitrion::manejadorProceso(QStringLiteral("OP007"));
+        QVERIFY(etiquetasReales);
+    }
     void init()
     {
         modulo::reinicia();
@@ -125,7 +134,10 @@ private Q_SLOTS:
                     procesos << a.proceso + ' ' + QString::number(a.bandera);
                     if (vetados.contains(a.proceso))
                         a.bandera = VTrue; // otherwise the flag stays as the editor passed it
+                    else if (conEtiquetas && a.proceso == u"OP007")
+                        etiquetasReales(a);
                 });
+        conEtiquetas = false;
         p = std::make_unique<Produccion>();
         p->SetAmbiente(base->ambiente());
         hoy = QDate::currentDate().toString(Qt::ISODate);
@@ -524,6 +536,32 @@ private Q_SLOTS:
             QCOMPARE(lista.first()->Command5->isEnabled(), modo != u"CONSULTA");
             QCOMPARE(lista.first()->Command1->isEnabled(), modo == u"CONSULTA");
         }
+    }
+
+    // Confirming with "Imprimir movimiento." ticked (through its caption): the labels, one
+    // per unit, then the order report, both written as PDF files and reported.
+    void imprimeEtiquetasYOrden()
+    {
+        QTemporaryDir carpeta;
+        anfitrion::ponCarpetaReportes(carpeta.path());
+        conEtiquetas = true;
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        QTest::mouseClick(f->Label10(2), Qt::LeftButton);
+        QVERIFY(f->Check2->isChecked());
+        ui->respuestas({true});
+        teclea(f, QString(), Qt::Key_F5);
+        QTRY_VERIFY(f.isNull());
+        anfitrion::ponCarpetaReportes(QString());
+        const QString etiquetas = carpeta.filePath("Etiquetas-Orden-1.pdf");
+        const QString orden = carpeta.filePath("OrdenProduccion-1.pdf");
+        QVERIFY2(QFileInfo(etiquetas).size() > 1000 && QFileInfo(orden).size() > 1000,
+                 qPrintable((ui->textosMensajes() + ui->reportes()).join('\n')));
+        QCOMPARE(ui->textosMensajes(),
+                 (QStringList{"12 etiqueta(s) de la orden 1 se guardaron en " + etiquetas,
+                              "La orden de producción 1 se guardó en " + orden}));
+        QVERIFY(ui->reportes().isEmpty());
     }
 
     // A view-only window never marks nor releases the order.

@@ -1,19 +1,9 @@
 // The order editor over a real database, driven by real key events: orders
-// created, changed and finished from the keyboard, the rows written, the
-// openers' refusals, bad input and failing services.
+// created, changed and finished from the keyboard, the rows written, bad
+// input, a full grid, printing.
 
-#include "component/Modulo.h"
-#include "component/Produccion.h"
-#include "controls/Rejilla.h"
-#include "host/AmbienteAnfitrion.h"
-#include "host/Anfitrion.h"
-#include "host/Reportes.h"
-#include "host/Sql.h"
-#include "orders/frmOp.h"
-#include "tests/support/BaseDePrueba.h"
-#include "tests/support/InteraccionGuionada.h"
+#include "BancoEditor.h"
 
-#include <QApplication>
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QDateEdit>
@@ -26,131 +16,18 @@
 using namespace zuvi;
 using namespace zuvi::pruebas;
 
-namespace {
-
-const QDate kHoy(2024, 5, 17);
-const QString kCabecera = "SELECT op, estado, ocupado, almacen, f_emision, fechaEntrega, importe,"
-                          " costo, automatico, ordencompra, usuario, usufecha FROM op WHERE op = ";
-const QString kPartidas = "SELECT id_entrada, op, tipo_doc, no_referen, articulo, cantidad, precio,"
-                          " observ, partida, usuario, usufecha FROM oppart WHERE op = %1"
-                          " ORDER BY id_entrada";
-
-// The rows a query returns, each as its values separated by '|'.
-QStringList filas(const QSqlDatabase &db, const QString &sql)
-{
-    QStringList r;
-    for (RecordsetPtr rs = anfitrion::consulta(db, sql); !rs->atEnd(); rs->moveNext()) {
-        QStringList valores;
-        for (int i = 0; i < rs->fieldCount(); ++i) {
-            const QVariant v = rs->value(i);
-            valores << (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float
-                            ? QString::number(v.toDouble())
-                        : v.typeId() == QMetaType::QDate ? v.toDate().toString(Qt::ISODate)
-                                                         : v.toString());
-        }
-        r << valores.join('|');
-    }
-    return r;
-}
-
-QList<frmOp *> editores()
-{
-    QList<frmOp *> lista;
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *f = qobject_cast<frmOp *>(w); f && !f->descargada())
-            lista << f;
-    return lista;
-}
-
-} // namespace
-
-class TstFrmOp : public QObject
+class TstFrmOp : public QObject, public BancoEditor
 {
     Q_OBJECT
-
-    std::unique_ptr<BaseDePrueba> base;
-    std::shared_ptr<InteraccionGuionada> ui;
-    std::unique_ptr<Produccion> p;
-    QStringList procesos; // process keys as the host received them
-    QSet<QString> vetados;
-    QString hoy;
-    anfitrion::ManejadorProceso etiquetasReales; // the host's own "OP007"
-    bool conEtiquetas = false;
-
-    QString mensaje(int n)
-    {
-        return base->escalar(QStringLiteral("SELECT texto FROM mensajes WHERE numero = %1").arg(n))
-            .toString();
-    }
-    QStringList cabecera(qint32 op)
-    {
-        return filas(base->conexion(), kCabecera + QString::number(op));
-    }
-    QStringList partidas(qint32 op) { return filas(base->conexion(), kPartidas.arg(op)); }
-    int cuenta(const QString &tabla)
-    {
-        return base->escalar("SELECT COUNT(*) FROM " + tabla).toInt();
-    }
-
-    // The one editor the last call opened, active.
-    QPointer<frmOp> editor()
-    {
-        const auto lista = editores();
-        if (lista.size() != 1)
-            return nullptr;
-        QPointer<frmOp> f = lista.first();
-        return QTest::qWaitForWindowActive(f) ? f : nullptr;
-    }
-    // Types into the field with the focus, then presses a key there.
-    static void teclea(frmOp *f, const QString &texto, Qt::Key tecla = Qt::Key_Return)
-    {
-        if (!texto.isEmpty())
-            QTest::keyClicks(QApplication::focusWidget(), texto);
-        QTest::keyClick(f->windowHandle(), tecla);
-    }
-    static QString foco(frmOp *f)
-    {
-        return f->focusWidget() ? f->focusWidget()->objectName() : QString();
-    }
 
 private Q_SLOTS:
     void initTestCase()
     {
-        preparaRegistro();
-        etiquetasReales = anfitrion::manejadorProceso(QStringLiteral("OP007"));
+        preparaClase();
         QVERIFY(etiquetasReales);
     }
-    void init()
-    {
-        modulo::reinicia();
-        base = std::make_unique<BaseDePrueba>(true);
-        qobject_cast<anfitrion::AmbienteAnfitrion *>(base->ambiente())->ponAhora(kHoy.startOfDay());
-        ui = InteraccionGuionada::instala();
-        procesos.clear();
-        vetados.clear();
-        for (const char *clave : {"Op001", "Op005", "Op006", "OP007"})
-            anfitrion::ponManejadorProceso(
-                QString::fromLatin1(clave), [this](ArgumentosProceso &a) {
-                    procesos << a.proceso + ' ' + QString::number(a.bandera);
-                    if (vetados.contains(a.proceso))
-                        a.bandera = VTrue; // otherwise the flag stays as the editor passed it
-                    else if (conEtiquetas && a.proceso == u"OP007")
-                        etiquetasReales(a);
-                });
-        conEtiquetas = false;
-        p = std::make_unique<Produccion>();
-        p->SetAmbiente(base->ambiente());
-        hoy = QDate::currentDate().toString(Qt::ISODate);
-    }
-    void cleanup()
-    {
-        qDeleteAll(QApplication::topLevelWidgets());
-        p.reset();
-        modulo::reinicia();
-        base.reset();
-        for (const char *clave : {"Op001", "Op005", "Op006", "OP007"})
-            anfitrion::ponManejadorProceso(QString::fromLatin1(clave), {});
-    }
+    void init() { prepara(); }
+    void cleanup() { limpia(); }
 
     // From the keyboard alone: an article and Enter, a quantity and Enter, a secondary key
     // and Enter, a quantity and Enter, F5 and yes. The order is confirmed with both lines.
@@ -273,6 +150,7 @@ private Q_SLOTS:
         QTest::newRow("0, marcado") << 0 << true << 1;
         QTest::newRow("0, desmarcado") << 0 << false << 0;
     }
+
     void automaticoNuncaVuelveACero()
     {
         QFETCH(int, antes);
@@ -308,6 +186,7 @@ private Q_SLOTS:
         QTest::newRow("presentación a observ") << 6 << "caja"
                                                << "10|0|caja";
     }
+
     void salvaCambiosPorColumna()
     {
         QFETCH(int, columna);
@@ -368,6 +247,7 @@ private Q_SLOTS:
         QTest::newRow("sentencia apilada") << "X'; DELETE FROM op; --"
                                            << "1" << 235 << true;
     }
+
     void entradaInvalida()
     {
         QFETCH(QString, articulo);
@@ -408,6 +288,7 @@ private Q_SLOTS:
         QTest::newRow("en blanco") << "" << 240;
         QTest::newRow("desconocido") << "99" << 241;
     }
+
     void almacenAlFinalizar()
     {
         QFETCH(QString, almacen);
@@ -478,66 +359,6 @@ private Q_SLOTS:
         QCOMPARE(partidas(1).size(), 1);
     }
 
-    // The openers: the mode from the state, the refusals of a busy order.
-    void aperturas_data()
-    {
-        QTest::addColumn<bool>("modifica");
-        QTest::addColumn<int>("op");
-        QTest::addColumn<QString>("cambio"); // applied to the order first
-        QTest::addColumn<QString>("mensajes");
-        QTest::addColumn<QString>("modo"); // empty: no window
-        QTest::newRow("modifica: no existe") << true << 77 << ""
-                                             << "754/16"
-                                             << "";
-        QTest::newRow("modifica: confirmada") << true << 2 << ""
-                                              << "753/64"
-                                              << "CONSULTA";
-        QTest::newRow("modifica: confirmada y ocupada") << true << 2 << "ocupado = 1"
-                                                        << "753/64"
-                                                        << "CONSULTA";
-        QTest::newRow("modifica: ocupada por mí") << true << 1 << "ocupado = 1"
-                                                  << "755/64"
-                                                  << "";
-        QTest::newRow("modifica: ocupada por otro")
-            << true << 1 << "ocupado = 1, usuario = '  OTRO  '"
-            << "756 OTRO 76/64"
-            << "";
-        QTest::newRow("modifica: libre") << true << 3 << ""
-                                         << ""
-                                         << "MODIFICACION";
-        QTest::newRow("consulta: no existe") << false << 77 << ""
-                                             << "72/16"
-                                             << "";
-        QTest::newRow("consulta: ocupada") << false << 1 << "ocupado = 1, usuario = 'OTRO'"
-                                           << ""
-                                           << "CONSULTA";
-    }
-    void aperturas()
-    {
-        QFETCH(bool, modifica);
-        QFETCH(int, op);
-        QFETCH(QString, cambio);
-        QFETCH(QString, mensajes);
-        QFETCH(QString, modo);
-        if (!cambio.isEmpty())
-            base->ejecuta(QStringLiteral("UPDATE op SET %1 WHERE op = %2").arg(cambio).arg(op));
-        modifica ? p->ModificaOp(op) : p->ConsultaOp(op);
-        QStringList vistos;
-        for (const auto &m : ui->mensajes())
-            vistos << m.texto + '/' + QString::number(m.estilo);
-        QString esperado = mensajes;
-        for (int n : {72, 76, 753, 754, 755, 756})
-            esperado.replace(QString::number(n), this->mensaje(n));
-        QCOMPARE(vistos, mensajes.isEmpty() ? QStringList() : QStringList{esperado});
-        const auto lista = editores();
-        QCOMPARE(lista.size(), modo.isEmpty() ? 0 : 1);
-        if (!modo.isEmpty()) {
-            QCOMPARE(lista.first()->Modo, modo);
-            QCOMPARE(lista.first()->Command5->isEnabled(), modo != u"CONSULTA");
-            QCOMPARE(lista.first()->Command1->isEnabled(), modo == u"CONSULTA");
-        }
-    }
-
     // Confirming with "Imprimir movimiento." ticked (through its caption): the labels, one
     // per unit, then the order report, both written as PDF files and reported.
     void imprimeEtiquetasYOrden()
@@ -562,106 +383,6 @@ private Q_SLOTS:
                  (QStringList{"12 etiqueta(s) de la orden 1 se guardaron en " + etiquetas,
                               "La orden de producción 1 se guardó en " + orden}));
         QVERIFY(ui->reportes().isEmpty());
-    }
-
-    // A view-only window never marks nor releases the order.
-    void consultaNoMarcaNiLibera()
-    {
-        base->ejecuta("UPDATE op SET ocupado = 1, usuario = 'OTRO' WHERE op = 1");
-        p->ConsultaOp(1);
-        auto f = editor();
-        QVERIFY(f && !f->txtFields(4)->isEnabled() && f->Command2->isEnabled());
-        QVERIFY(f->descarga());
-        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
-    }
-
-    // Closing from the title bar goes through the timer; a refused load leaves the flag
-    // set, so the first close is refused and the second goes through.
-    void cierreYRechazos()
-    {
-        vetados = {"Op001"};
-        p->ModificaOp(1);
-        auto f = editor();
-        QVERIFY(f);
-        QVERIFY(fromVBool(f->Rechazo));
-        QCloseEvent desdeTitulo;
-        QApplication::sendEvent(f, &desdeTitulo); // not spontaneous: from code
-        QVERIFY(f && !f->descargada());           // refused once, flag cleared
-        QVERIFY(!fromVBool(f->Rechazo));
-        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
-        vetados.clear();
-        f->windowHandle()->close(); // the window system's close: QueryUnload arms the timer
-        QVERIFY(f);
-        QTRY_VERIFY(f.isNull());
-        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 0);
-        QCOMPARE(procesos, (QStringList{"Op001 0", "Op006 -1", "Op006 0"}));
-    }
-
-    // A refused "Op005" adds no line and clears the flag.
-    void partidaRechazada()
-    {
-        vetados = {"Op005"};
-        p->NuevaOp();
-        auto f = editor();
-        QVERIFY(f);
-        teclea(f, "TORN-01");
-        teclea(f, "1");
-        QCOMPARE(f->Modo, QStringLiteral("ALTA"));
-        QVERIFY(!fromVBool(f->Rechazo) && f->fg2->TextMatrix(1, 0).isEmpty());
-        vetados.clear();
-        teclea(f, "TORN-01");
-        teclea(f, "1");
-        QCOMPARE(partidas(f->Op).size(), 1);
-    }
-
-    // Numbering at its limit: a clear report. For "Op" nothing is written; for "oppart"
-    // the header written by CreaOp stays, the line does not.
-    void numeracionAlLimite_data()
-    {
-        QTest::addColumn<QString>("clave");
-        QTest::addColumn<int>("opsNuevas");
-        QTest::newRow("Op") << "Op" << 0;
-        QTest::newRow("oppart") << "oppart" << 1;
-    }
-    void numeracionAlLimite()
-    {
-        QFETCH(QString, clave);
-        QFETCH(int, opsNuevas);
-        base->ejecuta("DELETE FROM folios WHERE clave = '" + clave + "'");
-        base->ejecuta("INSERT INTO folios (clave, ultimo) VALUES ('" + clave + "', 2147483646)");
-        p->NuevaOp();
-        auto f = editor();
-        QVERIFY(f);
-        const int ops = cuenta("op"), lineas = cuenta("oppart");
-        teclea(f, "TORN-01");
-        teclea(f, "1");
-        QCOMPARE(ui->reportes().size(), 1);
-        QVERIFY2(ui->reportes().first().contains(u"límite"), qPrintable(ui->reportes().first()));
-        QCOMPARE(cuenta("op"), ops + opsNuevas);
-        QCOMPARE(cuenta("oppart"), lineas);
-        QVERIFY(f->fg2->TextMatrix(1, 0).isEmpty());
-    }
-
-    // The connection lost while the window is open: finishing and closing report the
-    // error, the window goes, the busy mark stays behind.
-    void baseDeDatosPerdida()
-    {
-        p->ModificaOp(1);
-        auto f = editor();
-        QVERIFY(f);
-        QSqlDatabase db = base->conexion();
-        anfitrion::olvidaSentencias(db);
-        db.close();
-        f->Check3->setChecked(true);
-        teclea(f, QString(), Qt::Key_F5);
-        QVERIFY(!ui->reportes().isEmpty());
-        QVERIFY(f);
-        f->descarga();
-        QTRY_VERIFY(f.isNull());
-        QVERIFY2(ui->reportes().last().contains("Function: Form_Unload"),
-                 qPrintable(ui->reportes().join('\n')));
-        QVERIFY(db.open());
-        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
     }
 };
 

@@ -319,6 +319,31 @@ private Q_SLOTS:
         QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
     }
 
+    // The exchange rate of the currency typed, and the salesperson's name: an unknown
+    // currency empties the rate, the base currency disables it for good.
+    void tipoDeCambioYVendedor()
+    {
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        const auto tc = [&](const QString &moneda) {
+            f->txtFields(15)->setText(moneda);
+            f->PonTC();
+            return f->txtFields(16)->text() + (f->txtFields(16)->isEnabled() ? "" : " (fijo)");
+        };
+        QCOMPARE(tc("USD"), QStringLiteral("17.5"));
+        QCOMPARE(tc("XX"), QString());
+        QCOMPARE(tc("MN"), QStringLiteral("1 (fijo)"));
+        QCOMPARE(tc("EUR"), QStringLiteral("19.2 (fijo)"));
+        QCOMPARE(f->TraeVends(), QString()); // field 0 blank: nothing is read
+        f->txtFields(0)->setText("1");
+        f->txtFields(1)->setText("V01");
+        QCOMPARE(f->TraeVends(), QStringLiteral("Laura Méndez"));
+        f->txtFields(1)->setText("V99");
+        QCOMPARE(f->TraeVends(), QString());
+        QVERIFY(ui->reportes().isEmpty());
+    }
+
     // A full grid: the 101st line is stored, not shown, and nothing fails.
     void rejillaLlena()
     {

@@ -59,9 +59,12 @@ private Q_SLOTS:
         QVERIFY(op > 3);
         QCOMPARE(f->windowTitle(), "Op: " + QString::number(op));
         QCOMPARE(cabecera(op).value(0).section('|', 1, 2), QStringLiteral("PE|1"));
-        teclea(f, "7501000000028"); // the secondary key of TUER-01
+        // Tab works as Enter, and the toolkit does not move the focus a second time.
+        teclea(f, "7501000000028", Qt::Key_Tab); // the secondary key of TUER-01
         QCOMPARE(f->txtFields(4)->text(), QStringLiteral("TUER-01"));
-        teclea(f, "3");
+        QCOMPARE(foco(f), QStringLiteral("txtFields_5"));
+        teclea(f, "3", Qt::Key_Tab);
+        QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
         QCOMPARE(f->fg2->TextMatrix(1, 0) + ' ' + f->fg2->TextMatrix(2, 0) + ' ' +
                      f->fg2->TextMatrix(2, 1),
                  QStringLiteral("TORN-01 TUER-01 3"));

@@ -120,13 +120,10 @@ void Rejilla::SetTextMatrix(int fila, int columna, const QString &texto)
         celda->setText(texto);
         return;
     }
-    QTableWidgetItem *celda = item(fila - m_fijas, columna);
-    if (!celda) {
-        if (texto.isEmpty())
-            return; // an empty cell needs no item
-        setItem(fila - m_fijas, columna, celda = new QTableWidgetItem);
-    }
-    celda->setText(texto);
+    if (QTableWidgetItem *celda = item(fila - m_fijas, columna))
+        celda->setText(texto);
+    else if (!texto.isEmpty()) // an empty cell needs no item
+        setItem(fila - m_fijas, columna, new QTableWidgetItem(texto));
 }
 
 int Rejilla::ColWidth(int columna) const

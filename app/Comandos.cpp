@@ -11,6 +11,7 @@
 #include <QMetaObject>
 #include <QWidget>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace zuvi::app {
@@ -101,6 +102,50 @@ void esperaVentanas()
     QApplication::exec();
 }
 
+// For a window opened from the terminal: while one of the component's
+// windows is on screen its questions and messages come up in boxes over it
+// (and messages are echoed on the terminal); otherwise, as a refusal before
+// any window opens, they go to the terminal. Printed documents are still
+// written as PDF files.
+class InteraccionMixta : public anfitrion::Interaccion
+{
+public:
+    explicit InteraccionMixta(bool si)
+        : m_terminal(anfitrion::interaccionTerminal(si)),
+          m_ventanas(anfitrion::interaccionVentanas(si))
+    {
+    }
+    void mensaje(const QString &texto, int estilo) override
+    {
+        if (hayVentana())
+            m_ventanas->mensaje(texto, estilo);
+        m_terminal->mensaje(texto, estilo);
+    }
+    bool pregunta(const QString &texto) override
+    {
+        return (hayVentana() ? m_ventanas : m_terminal)->pregunta(texto);
+    }
+    void reporte(const QString &titulo, const QString &texto) override
+    {
+        if (hayVentana())
+            m_ventanas->reporte(titulo, texto);
+        m_terminal->reporte(titulo, texto);
+    }
+    std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
+    {
+        return (hayVentana() ? m_ventanas : m_terminal)->progreso();
+    }
+
+private:
+    static bool hayVentana()
+    {
+        const QWidgetList lista = QApplication::topLevelWidgets();
+        return std::any_of(lista.begin(), lista.end(),
+                           [](const QWidget *w) { return w->isVisible(); });
+    }
+    std::shared_ptr<anfitrion::Interaccion> m_terminal, m_ventanas;
+};
+
 void exigeKit(const QSqlDatabase &db, const QString &articulo)
 {
     if (!existeReceta(db, articulo))
@@ -113,6 +158,9 @@ int invoca(const LineaComandos &lc)
     if (lc.argumentos.isEmpty())
         throw ErrorDeUso(
             QStringLiteral("Falta el método. Uso: zuvi-produccion invoca METODO [ARG...]"));
+    if (abreVentana(lc.argumentos.first()) &&
+        qobject_cast<QApplication *>(QCoreApplication::instance()) && !sinPantallaReal())
+        anfitrion::ponInteraccion(std::make_shared<InteraccionMixta>(lc.opciones.si));
     auto sesion = abreSesion(lc);
     auto produccion = creaProduccion(sesion->ambiente());
     Resultado r;

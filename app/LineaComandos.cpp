@@ -155,6 +155,8 @@ QString textoAyuda()
         "Ejemplos:\n"
         "  zuvi-produccion crea-base --demo --base /tmp/prueba.db\n"
         "  zuvi-produccion invoca CancelaOp 3 --si\n"
+        "  zuvi-produccion invoca NuevaOp          (abre el editor de órdenes y espera)\n"
+        "  zuvi-produccion invoca ModificaOp 1\n"
         "  zuvi-produccion desensamble KIT-01 1.5 1\n");
 }
 

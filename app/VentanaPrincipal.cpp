@@ -6,6 +6,7 @@
 #include "app/Kits.h"
 #include "contract/Identidad.h"
 #include "host/Anfitrion.h"
+#include "host/Impresion.h"
 #include "host/Interaccion.h"
 #include "host/Sql.h"
 #include "runtime/ComponentRegistry.h"
@@ -26,7 +27,16 @@ namespace zuvi::app {
 
 namespace {
 
-enum Columna { ColOp, ColEstado, ColEmision, ColAlmacen, ColObserv, ColCerrado, ColPartidas };
+enum Columna {
+    ColOp,
+    ColEstado,
+    ColEmision,
+    ColAlmacen,
+    ColObserv,
+    ColCerrado,
+    ColPartidas,
+    ColOcupada
+};
 
 QString textoFecha(const QVariant &v)
 {
@@ -52,12 +62,12 @@ VentanaPrincipal::VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccio
     setObjectName(QStringLiteral("frmMaster"));
     setWindowTitle(QStringLiteral("ZuviProduccion - Órdenes de producción"));
 
-    m_lista = new QTableWidget(0, 7, this);
+    m_lista = new QTableWidget(0, 8, this);
     m_lista->setObjectName(QStringLiteral("lstOrdenes"));
     m_lista->setHorizontalHeaderLabels({QStringLiteral("Orden"), QStringLiteral("Estado"),
                                         QStringLiteral("Emisión"), QStringLiteral("Almacén"),
                                         QStringLiteral("Observaciones"), QStringLiteral("Cerrada"),
-                                        QStringLiteral("Partidas")});
+                                        QStringLiteral("Partidas"), QStringLiteral("Ocupada por")});
     m_lista->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_lista->setSelectionMode(QAbstractItemView::SingleSelection);
     m_lista->setEditTriggers(QAbstractItemView::NoEditTriggers);
@@ -95,8 +105,13 @@ void VentanaPrincipal::creaMenus()
     QMenu *ordenes = menuBar()->addMenu(QStringLiteral("Ó&rdenes"));
     m_nueva =
         agrega(ordenes, QStringLiteral("&Nueva"), &VentanaPrincipal::nueva, QKeySequence::New);
-    m_modifica = agrega(ordenes, QStringLiteral("&Modificar"), &VentanaPrincipal::modifica);
-    m_consulta = agrega(ordenes, QStringLiteral("&Consultar"), &VentanaPrincipal::consulta);
+    m_nueva->setText(QStringLiteral("&Nueva orden"));
+    m_modifica = agrega(ordenes, QStringLiteral("&Modificar orden"), &VentanaPrincipal::modifica);
+    m_modifica->setShortcuts({QKeySequence(Qt::Key_Return), QKeySequence(Qt::Key_Enter)});
+    m_consulta = agrega(ordenes, QStringLiteral("&Consultar orden"), &VentanaPrincipal::consulta);
+    m_libera =
+        agrega(ordenes, QStringLiteral("&Liberar orden ocupada"), &VentanaPrincipal::liberaOcupada);
+    m_libera->setObjectName(QStringLiteral("actLiberar"));
     ordenes->addSeparator();
     m_entrega =
         agrega(ordenes, QStringLiteral("&Entregar producto terminado"), &VentanaPrincipal::entrega);
@@ -143,6 +158,12 @@ void VentanaPrincipal::ajustaAcciones()
     m_entrega->setEnabled(hay && responde("EntregaProductoTerminado(int)"));
     m_cancela->setEnabled(hay && responde("CancelaOp(int)"));
     m_turnos->setEnabled(responde("MuestraTurnos()"));
+    if (m_libera) {
+        const QList<QTableWidgetItem *> items = m_lista->selectedItems();
+        const QTableWidgetItem *ocupada =
+            items.isEmpty() ? nullptr : m_lista->item(items.first()->row(), ColOcupada);
+        m_libera->setEnabled(ocupada && !ocupada->text().isEmpty());
+    }
 }
 
 void VentanaPrincipal::actualiza()
@@ -155,9 +176,10 @@ void VentanaPrincipal::actualiza()
         QSqlQuery q = anfitrion::ejecuta(
             m_sesion.conexion(),
             QStringLiteral("SELECT op.op, op.estado, op.f_emision, op.almacen, op.observ, "
-                           "op.cerrado, COUNT(oppart.op) FROM op LEFT JOIN oppart ON oppart.op = "
-                           "op.op GROUP BY op.op, op.estado, op.f_emision, op.almacen, op.observ, "
-                           "op.cerrado ORDER BY op.op"));
+                           "op.cerrado, COUNT(oppart.op), op.ocupado, op.usuario FROM op LEFT JOIN "
+                           "oppart ON oppart.op = op.op GROUP BY op.op, op.estado, op.f_emision, "
+                           "op.almacen, op.observ, op.cerrado, op.ocupado, op.usuario ORDER BY "
+                           "op.op"));
         m_lista->setRowCount(0);
         while (q.next()) {
             const int fila = m_lista->rowCount();
@@ -170,6 +192,12 @@ void VentanaPrincipal::actualiza()
             m_lista->setItem(fila, ColCerrado,
                              celda(q.value(5).toInt() != 0 ? QStringLiteral("Sí") : QString()));
             m_lista->setItem(fila, ColPartidas, celda(q.value(6).toString(), true));
+            // Who last saved a busy order is who holds it.
+            const QString titular = q.value(8).toString().trimmed();
+            m_lista->setItem(fila, ColOcupada,
+                             celda(q.value(7).toInt() == 0 ? QString()
+                                   : titular.isEmpty()     ? QStringLiteral("(sin usuario)")
+                                                           : titular));
         }
     });
     if (!ok)
@@ -316,6 +344,40 @@ void VentanaPrincipal::acercaDe()
                  m_sesion.opciones().base.section(QLatin1Char('@'), -1).toHtmlEscaped()));
 }
 
+void VentanaPrincipal::SetFocus()
+{
+    raise();
+    activateWindow();
+    m_lista->setFocus(Qt::OtherFocusReason);
+    actualiza();
+}
+
+void VentanaPrincipal::liberaOcupada()
+{
+    const qint32 op = ordenSeleccionada();
+    if (!op)
+        return;
+    const QList<QTableWidgetItem *> items = m_lista->selectedItems();
+    const QString titular = m_lista->item(items.first()->row(), ColOcupada)->text();
+    if (titular.isEmpty())
+        return;
+    if (!anfitrion::interaccion().pregunta(
+            QStringLiteral("La orden %1 está marcada como ocupada por %2.\n"
+                           "Libérela solo si %2 ya no la tiene abierta (por ejemplo, si su "
+                           "estación se cerró con la orden abierta). ¿Liberar la orden %1?")
+                .arg(op)
+                .arg(titular)))
+        return;
+    try {
+        anfitrion::ejecuta(m_sesion.conexion(),
+                           QStringLiteral("UPDATE op SET ocupado = 0 WHERE op = %1").arg(op));
+        statusBar()->showMessage(QStringLiteral("Orden %1 liberada.").arg(op), 8000);
+    } catch (...) {
+        muestraError(describeCurrentException());
+    }
+    actualiza();
+}
+
 void VentanaPrincipal::muestraError(const QString &texto)
 {
     anfitrion::interaccion().mensaje(texto, 16);
@@ -343,6 +405,7 @@ void VentanaPrincipal::changeEvent(QEvent *evento)
 int ejecutaVentanaPrincipal(const LineaComandos &lc)
 {
     anfitrion::ponInteraccion(anfitrion::interaccionVentanas(lc.opciones.si));
+    anfitrion::ponVistaPrevia(true); // printed documents open in the print preview
     std::unique_ptr<anfitrion::Sesion> sesion;
     std::unique_ptr<QObject> produccion;
     try {

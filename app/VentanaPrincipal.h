@@ -27,6 +27,10 @@ public:
     qint32 ordenSeleccionada() const;
     bool seleccionaOrden(qint32 op);
 
+    // The component's windows give the focus back through this member, called
+    // by name.
+    Q_INVOKABLE void SetFocus();
+
 protected:
     void closeEvent(QCloseEvent *evento) override;
     void changeEvent(QEvent *evento) override;
@@ -48,6 +52,9 @@ private:
     void turnos();
     void acercaDe();
     void muestraError(const QString &texto);
+    // Clears the busy mark a station left behind (it crashed with the order
+    // open), after a question that names who holds it.
+    void liberaOcupada();
 
     anfitrion::Sesion &m_sesion;
     QPointer<QObject> m_produccion;
@@ -58,6 +65,7 @@ private:
     QAction *m_entrega = nullptr;
     QAction *m_cancela = nullptr;
     QAction *m_turnos = nullptr;
+    QAction *m_libera = nullptr;
     bool m_actualizando = false;
 };
 

@@ -9,7 +9,7 @@ VBool Produccion::CancelaOp(qint32 nOp)
     // Errors end silently with whatever result was set so far.
     VBool resultado = VFalse;
     swallowErrors([&] {
-        zuvi::Ambiente *ambiente = modulo::requiere(m_ambiente);
+        zuvi::Ambiente *ambiente = modulo::requiere(Ambiente());
         const QSqlDatabase conexion = ambiente->Conexion();
         AccesoDatos *datos = modulo::accesoDatos();
         const QString orden = QString::number(nOp);

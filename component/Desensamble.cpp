@@ -7,7 +7,7 @@ namespace zuvi {
 void Produccion::Desensamble(const QString &Articulo, double nCantidad, qint32 nAlmacen, qint32 nOp)
 {
     reportErrors(QStringLiteral("Produccion"), QStringLiteral("Desensamble"), [&] {
-        zuvi::Ambiente *ambiente = modulo::requiere(m_ambiente);
+        zuvi::Ambiente *ambiente = modulo::requiere(Ambiente());
         const QSqlDatabase conexion = ambiente->Conexion();
         AccesoDatos *datos = modulo::accesoDatos();
 

@@ -7,7 +7,7 @@ namespace zuvi {
 void Produccion::Ensamble(const QString &Articulo, qint32 nAlmacen, qint32 nCantidad, qint32 nOp)
 {
     reportErrors(QStringLiteral("Produccion"), QStringLiteral("Ensamble"), [&] {
-        zuvi::Ambiente *ambiente = modulo::requiere(m_ambiente);
+        zuvi::Ambiente *ambiente = modulo::requiere(Ambiente());
         const QSqlDatabase conexion = ambiente->Conexion();
         AccesoDatos *datos = modulo::accesoDatos();
 
@@ -24,9 +24,11 @@ void Produccion::Ensamble(const QString &Articulo, qint32 nAlmacen, qint32 nCant
         lote::EstadoLote *estado = lote::EstadoLote::de(this);
         QPointer<QObject> objeto = estado->documento();
         const VBool bandera = lote::iniciaProceso(QStringLiteral("OPAUTO002"), objeto, ambiente);
-        estado->adopta(objeto);
         if (!lote::consultaProceso(bandera))
             return;
+        // What the host left in argument (2) matters only from its first use:
+        // a vetoed run never reaches it.
+        estado->adopta(objeto);
         DocumentoInventario *doc = estado->documento();
 
         lote::preparaDocumento(doc, ambiente, datos, conexion, QStringLiteral("S"), nOp,

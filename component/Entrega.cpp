@@ -13,7 +13,7 @@ void Produccion::EntregaProductoTerminado(qint32 nOp)
 {
     // Errors end the delivery silently; Ensamble reports its own.
     swallowErrors([&] {
-        zuvi::Ambiente *ambiente = modulo::requiere(m_ambiente);
+        zuvi::Ambiente *ambiente = modulo::requiere(Ambiente());
         const QSqlDatabase conexion = ambiente->Conexion();
         AccesoDatos *datos = modulo::accesoDatos();
         const QString orden = QString::number(nOp);

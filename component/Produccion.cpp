@@ -39,11 +39,8 @@ void Produccion::SetAmbienteObjeto(QObject *ambiente)
     m_ambiente = qobject_cast<zuvi::Ambiente *>(ambiente);
 }
 
-// The order editor and the shift windows come later; until then these end
-// silently, as every method of the class does on an error.
-void Produccion::NuevaOp() {}
-void Produccion::ModificaOp(qint32) {}
-void Produccion::ConsultaOp(qint32) {}
+// The shift windows come later; until then this ends silently, as every
+// method of the class does on an error.
 void Produccion::MuestraTurnos() {}
 
 } // namespace zuvi

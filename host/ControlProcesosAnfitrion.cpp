@@ -46,8 +46,10 @@ void ControlProcesosAnfitrion::ImprimeReporte(const QString &reporte, qint32 num
             QStringLiteral("No hay ambiente para imprimir el reporte \"%1\".").arg(reporte));
     const QString archivo =
         QDir(carpetaReportes()).filePath(QStringLiteral("OrdenProduccion-%1.pdf").arg(numero));
-    escribeOrdenProduccion(ambiente->Conexion(), numero, archivo);
-    m_reporte = QDir::toNativeSeparators(archivo);
+    const QString escrito = publicaOrdenProduccion(ambiente->Conexion(), numero, archivo);
+    if (escrito.isEmpty())
+        return; // shown in the preview
+    m_reporte = escrito;
     interaccion().mensaje(
         QStringLiteral("La orden de producción %1 se guardó en %2").arg(numero).arg(m_reporte), 64);
 }

@@ -1,5 +1,6 @@
 #include "host/Reportes.h"
 
+#include "host/Impresion.h"
 #include "host/Sql.h"
 #include "runtime/Error.h"
 #include "runtime/Recordset.h"
@@ -43,7 +44,7 @@ QString cifra(double d)
 class Hoja
 {
 public:
-    Hoja(QPdfWriter &writer, const QString &titulo)
+    Hoja(QPagedPaintDevice &writer, const QString &titulo)
         : m_writer(writer), m_pintor(&writer), m_titulo(titulo)
     {
         if (!m_pintor.isActive())
@@ -117,7 +118,7 @@ private:
         m_y += 2 * alto;
     }
 
-    QPdfWriter &m_writer;
+    QPagedPaintDevice &m_writer;
     QPainter m_pintor;
     QString m_titulo;
     int m_ancho = 0, m_alto = 0, m_y = 0, m_pagina = 1;
@@ -140,7 +141,7 @@ void ponCarpetaReportes(const QString &carpeta)
     carpetaFijada() = carpeta;
 }
 
-void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &archivo)
+QString publicaOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &archivo)
 {
     QSqlQuery qc = ejecutaConValores(db, QStringLiteral("SELECT * FROM op WHERE op = ?"), {op},
                                      QStringLiteral("SELECT * FROM op WHERE op = %1").arg(op));
@@ -156,19 +157,10 @@ void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &ar
                                      sqlPartidas + QString::number(op) + orden);
     const RecordsetPtr partidas = Recordset::fromQuery(qp);
 
-    const QFileInfo destino(archivo);
-    if (!QDir().mkpath(destino.absolutePath()))
-        throw Error(
-            QStringLiteral("No se pudo crear la carpeta \"%1\".").arg(destino.absolutePath()));
-
     const QString titulo = QStringLiteral("Orden de producción %1").arg(op);
-    {
-        QPdfWriter writer(archivo);
-        writer.setTitle(titulo);
-        writer.setCreator(QStringLiteral("ZuviProduccion"));
-        writer.setPageSize(QPageSize(QPageSize::Letter));
-        writer.setPageMargins(QMarginsF(15, 15, 15, 15), QPageLayout::Millimeter);
-        writer.setResolution(300);
+    return publica(titulo, archivo, QMarginsF(15, 15, 15, 15), [&](QPagedPaintDevice &writer) {
+        cab->moveFirst();
+        partidas->moveFirst();
         Hoja hoja(writer, titulo);
 
         hoja.texto(titulo, 16, true);
@@ -216,9 +208,20 @@ void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &ar
         hoja.fila({QStringLiteral("%1 partida(s)").arg(n), QString(), QString(), QString(),
                    cifra(total), QString()},
                   pos, der, true);
+    });
+}
+
+void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &archivo)
+{
+    const bool previa = vistaPrevia();
+    ponVistaPrevia(false);
+    try {
+        publicaOrdenProduccion(db, op, archivo);
+    } catch (...) {
+        ponVistaPrevia(previa);
+        throw;
     }
-    if (!QFileInfo(archivo).isFile() || QFileInfo(archivo).size() == 0)
-        throw Error(QStringLiteral("No se pudo escribir el reporte en \"%1\".").arg(archivo));
+    ponVistaPrevia(previa);
 }
 
 } // namespace zuvi::anfitrion

@@ -11,6 +11,10 @@ namespace zuvi::anfitrion {
 // with article descriptions) to the PDF file archivo. Throws Error when the
 // order does not exist or the file cannot be written.
 void escribeOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &archivo);
+// The same report where printed documents go (host/Impresion.h): the preview
+// in the desktop shell (the empty text is returned), otherwise the PDF file
+// archivo, whose path is returned.
+QString publicaOrdenProduccion(const QSqlDatabase &db, qint32 op, const QString &archivo);
 
 // The folder reports go to: the one set with ponCarpetaReportes, otherwise
 // the user's documents folder when it exists, otherwise the data folder.

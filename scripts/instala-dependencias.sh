@@ -9,6 +9,7 @@ PAQUETES=(
     libqt6sql6-sqlite libqt6sql6-mysql
     mariadb-server mariadb-client
     libsqlite3-dev libbenchmark-dev
+    libzint-dev
 )
 
 faltan=()

@@ -1,0 +1,398 @@
+#include "orders/frmOp.h"
+#include "ui_frmOp.h"
+
+#include "component/Modulo.h"
+#include "controls/Rejilla.h"
+#include "controls/Teclas.h"
+#include "orders/SentenciasOp.h"
+#include "runtime/Text.h"
+
+#include <QCheckBox>
+#include <QDateEdit>
+#include <QEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTextEdit>
+
+namespace zuvi {
+
+namespace {
+
+struct ColumnaRejilla
+{
+    const char *titulo;
+    int ancho; // twips
+};
+
+// The line columns; the hidden ones still hold what the procedures read.
+const ColumnaRejilla kColumnas[] = {
+    {"Artículo", 1800},    {"QTY", 1800},   {"Precio", 0},       {"Importe", 0},
+    {"Descripción", 6000}, {"No de Op", 0}, {"Pr. Cantidad", 0}, {"Presentación", 0},
+};
+
+} // namespace
+
+frmOp::frmOp(QWidget *parent)
+    : Ventana(QStringLiteral("frmOp"), parent), ui(std::make_unique<Ui::frmOp>())
+{
+    ui->setupUi(this);
+    setObjectName(QStringLiteral("frmOp"));
+    txtFields = arreglo<QLineEdit>(QStringLiteral("txtFields"));
+    Label10 = arreglo<QLabel>(QStringLiteral("Label10"));
+    DTPicker1 = ui->DTPicker1;
+    DTPicker2 = ui->DTPicker2;
+    RichTextBox2 = ui->RichTextBox2;
+    Check1 = ui->Check1;
+    Check2 = ui->Check2;
+    Check3 = ui->Check3;
+    Check4 = ui->Check4;
+    Command1 = ui->Command1;
+    Command2 = ui->Command2;
+    Command5 = ui->Command5;
+    Command6 = ui->Command6;
+    fg2 = ui->fg2;
+    txtEdit = ui->txtEdit;
+    txtEdit->hide();
+
+    conectaTeclas(QStringLiteral("txtFields"), {[this](int Index, qint16 &KeyCode, qint16 Shift) {
+                                                    txtFields_KeyDown(Index, KeyCode, Shift);
+                                                },
+                                                {},
+                                                {}});
+    conectaTeclas(
+        fg2, QStringLiteral("fg2"),
+        {[this](int, qint16 &KeyCode, qint16 Shift) { fg2_KeyDown(KeyCode, Shift); }, {}, {}});
+    txtFields(4)->installEventFilter(this);
+    for (int i : Label10.indices())
+        Label10(i)->installEventFilter(this);
+
+    const auto boton = [this](QPushButton *b, const char *nombre, void (frmOp::*f)()) {
+        connect(b, &QPushButton::clicked, this,
+                [this, nombre, f] { atrapa(QString::fromLatin1(nombre), [&] { (this->*f)(); }); });
+    };
+    boton(Command1, "Command1_Click", &frmOp::Command1_Click);
+    boton(Command2, "Command2_Click", &frmOp::Command2_Click);
+    boton(Command5, "Command5_Click", &frmOp::Command5_Click);
+    boton(Command6, "Command6_Click", &frmOp::Command6_Click);
+
+    Timer1.setParent(this);
+    Timer1.setSingleShot(false);
+    connect(&Timer1, &QTimer::timeout, this,
+            [this] { atrapa(QStringLiteral("Timer1_Timer"), [this] { Timer1_Timer(); }); });
+}
+
+frmOp::~frmOp() = default;
+
+zuvi::Ambiente *frmOp::ambiente() const
+{
+    return modulo::requiere(Ambiente);
+}
+
+// No trap of its own: a failure reaches the opener, which discards the window.
+void frmOp::Form_Load()
+{
+    zuvi::Ambiente *amb = ambiente();
+    AccesoDatos *datos = modulo::accesoDatos();
+
+    // 1. The lines grid.
+    fg2->SetRows(101);
+    fg2->SetCols(8);
+    fg2->SetFixedRows(1);
+    fg2->SetFixedCols(0);
+    fg2->SetRow(0);
+    fg2->SetCol(0);
+    for (int c = 0; c < 8; ++c) {
+        fg2->SetCol(c);
+        fg2->SetColWidth(c, kColumnas[c].ancho);
+        fg2->SetText(QString::fromUtf8(kColumnas[c].titulo));
+    }
+    // The presentation columns get their final headings in a second pass.
+    fg2->SetCol(6);
+    fg2->SetText(QStringLiteral("Presentación"));
+    fg2->SetCol(7);
+    fg2->SetText(QStringLiteral("Pr. QTY"));
+    fg2->SetColWidth(8, 0);
+    fg2->SetColWidth(9, 0);
+
+    // 2. The statement builder, kept for the window's life.
+    m_sql.reset(datos->NuevoConstructorSql());
+    m_sql->PonConexion(amb->Conexion());
+    if (QObject *rutas = amb->ContenedorRutas())
+        m_sql->PonRutas(rutas->property("PathCollection"));
+
+    if (Modo != QLatin1String("ALTA")) {
+        // 3. An existing order.
+        cargaEncabezado(rsOp);
+        CostoTotal = rsOp->number(QStringLiteral("costo"));
+        if (Modo == QLatin1String("MODIFICACION")) {
+            m_sql->Limpia();
+            m_sql->Tipo(QStringLiteral("UPDATE"));
+            m_sql->AgregaCampo(QStringLiteral("Op"), QStringLiteral("ocupado"), qint16(1));
+            m_sql->Condicion(sentenciasOp::condicionOpMayuscula(Op));
+            m_sql->Genera(QStringLiteral("Op"));
+            m_sql->Ejecuta();
+        }
+        const qint32 numero = rsOp->value(QStringLiteral("Op")).toInt();
+        rsPartidas = datos->Consulta(sentenciasOp::partidasCarga(numero), amb->Conexion());
+        llenaRejilla();
+    } else {
+        // 4. A new order.
+        DTPicker1->setDate(datos->ComponeFecha(amb->DatoFechaA(), amb->DatoFechaB()));
+        DTPicker2->setDate(datos->ComponeFecha(amb->DatoFechaA(), amb->DatoFechaB()));
+        RecordsetPtr parametros = amb->ParametrosEstacion();
+        txtFields(14)->setText(parametros->text(QStringLiteral("Almacen")));
+    }
+
+    // 5.
+    fg2->SetRow(1);
+    fg2->SetCol(0);
+
+    // From here on a view-only window skips whatever fails.
+    const bool consulta = Modo == QLatin1String("CONSULTA");
+    const auto paso = [consulta](auto &&f) {
+        if (consulta)
+            swallowErrors(f);
+        else
+            f();
+    };
+
+    // 6., 7.
+    if (!consulta) {
+        Command1->setEnabled(false);
+        Command5->setEnabled(true);
+    } else {
+        for (QWidget *control : findChildren<QWidget *>()) {
+            const bool esControl = qobject_cast<QLineEdit *>(control) ||
+                                   qobject_cast<QAbstractButton *>(control) ||
+                                   qobject_cast<QDateEdit *>(control) ||
+                                   qobject_cast<QTextEdit *>(control) || control == fg2;
+            if (esControl && control->parentWidget() && control->objectName().size() > 0 &&
+                !control->objectName().startsWith(QLatin1String("qt_")))
+                control->setEnabled(false);
+        }
+        Command1->setEnabled(true);
+        Command5->setEnabled(false);
+    }
+    Command2->setEnabled(true);
+
+    // 8. The data-bound combos join with the next part of the editor; none yet.
+    // 9.
+    paso([&] {
+        RecordsetPtr parametros = amb->ParametrosEstacion();
+        Check4->setChecked(!parametros->atEnd() &&
+                           variantToDouble(parametros->value(QStringLiteral("Lector"))) != 0);
+    });
+    // 10., 11.
+    paso([&] {
+        iniciaProceso(QStringLiteral("Op001"), Rechazo);
+        if (!fromVBool(Rechazo)) {
+            datos->PreparaVentana(this, amb, QString(""));
+            Rechazo = VFalse;
+        }
+    });
+    if (!consulta)
+        txtFields(4)->setFocus();
+}
+
+void frmOp::cargaEncabezado(const RecordsetPtr &registro)
+{
+    AccesoDatos *datos = modulo::accesoDatos();
+    txtFields(14)->setText(registro->text(QStringLiteral("Almacen")));
+    DTPicker1->setDate(registro->value(QStringLiteral("F_Emision")).toDate());
+    const QVariant entrega = registro->value(QStringLiteral("fechaentrega"));
+    DTPicker2->setDate(entrega.isNull() ? QDate::currentDate() : entrega.toDate());
+    RichTextBox2->setPlainText(datos->ValorTexto(registro->value(QStringLiteral("Observ"))));
+    Check1->setChecked(variantToDouble(registro->value(QStringLiteral("automatico"))) == 1);
+}
+
+void frmOp::llenaRejilla()
+{
+    AccesoDatos *datos = modulo::accesoDatos();
+    // Lines beyond the grid's last row stay stored and are not shown, as a new
+    // line is when the grid is full.
+    for (int i = 1; !rsPartidas->atEnd() && i < fg2->Rows(); ++i, rsPartidas->moveNext()) {
+        fg2->SetTextMatrix(i, 0, rsPartidas->text(QStringLiteral("Articulo")));
+        fg2->SetTextMatrix(i, 1, rsPartidas->text(QStringLiteral("Cantidad")));
+        fg2->SetTextMatrix(i, 2, rsPartidas->text(QStringLiteral("Precio")));
+        fg2->SetTextMatrix(i, 4, QLatin1Char(' ') + rsPartidas->text(QStringLiteral("Observ")));
+        fg2->SetTextMatrix(i, 5,
+                           datos->ValorTexto(rsPartidas->value(QStringLiteral("id_entrada"))));
+    }
+}
+
+void frmOp::showEvent(QShowEvent *evento)
+{
+    Ventana::showEvent(evento);
+    // A scanner can be used as soon as the window shows.
+    if (!m_enfocado && Modo != QLatin1String("CONSULTA") && txtFields(4)->isEnabled()) {
+        m_enfocado = true;
+        txtFields(4)->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+void frmOp::Form_QueryUnload(qint16 &Cancel, qint16 UnloadMode)
+{
+    if (UnloadMode == DesdeMenuControl) {
+        Cancel = -1;
+        Timer1.setInterval(10);
+        Timer1.start();
+    }
+}
+
+void frmOp::Timer1_Timer()
+{
+    Timer1.stop(); // one unload per close request
+    descarga();
+}
+
+void frmOp::Form_Unload(qint16 &Cancel)
+{
+    iniciaProceso(QStringLiteral("Op006"), Rechazo);
+    if (fromVBool(Rechazo)) {
+        Rechazo = VFalse;
+        Cancel = -1;
+        return;
+    }
+    zuvi::Ambiente *amb = ambiente();
+    if (Modo == QLatin1String("MODIFICACION"))
+        amb->EjecutaSQL(sentenciasOp::liberaOp(Op));
+    if (Parent)
+        QMetaObject::invokeMethod(Parent.data(), "SetFocus");
+    modulo::accesoDatos()->LiberaVentana(this, amb, QStringLiteral("frmMaster"));
+}
+
+void frmOp::Label10_Click(int Index)
+{
+    QCheckBox *caja = Index == 1 ? Check3 : Index == 2 ? Check2 : nullptr;
+    if (caja && caja->isEnabled())
+        caja->setChecked(!caja->isChecked());
+}
+
+bool frmOp::eventFilter(QObject *objeto, QEvent *evento)
+{
+    if (evento->type() == QEvent::FocusOut && txtFields.existe(4) && objeto == txtFields(4)) {
+        atrapa(QStringLiteral("txtFields_LostFocus"), [this] { txtFields_LostFocus(4); });
+    } else if (evento->type() == QEvent::MouseButtonRelease &&
+               static_cast<QMouseEvent *>(evento)->button() == Qt::LeftButton) {
+        const int indice = Label10.indiceDe(objeto);
+        if (indice >= 0)
+            atrapa(QStringLiteral("Label10_Click"), [&] { Label10_Click(indice); });
+    }
+    return Ventana::eventFilter(objeto, evento);
+}
+
+void frmOp::iniciaProceso(const QString &clave, VBool &bandera)
+{
+    ArgumentosProceso argumentos;
+    argumentos.proceso = clave;
+    argumentos.objeto = this;
+    argumentos.ambiente = Ambiente;
+    argumentos.bandera = bandera;
+    modulo::controlProcesos()->IniciaProceso(argumentos);
+    bandera = argumentos.bandera;
+}
+
+void frmOp::enfoca(int indice)
+{
+    if (txtFields(indice)->isEnabled())
+        txtFields(indice)->setFocus(Qt::OtherFocusReason);
+}
+
+void frmOp::mensaje(qint32 numero, qint32 estilo)
+{
+    AccesoDatos *datos = modulo::accesoDatos();
+    zuvi::Ambiente *amb = ambiente();
+    datos->Mensaje(datos->TraeMensaje(numero, amb), estilo, amb);
+}
+
+bool frmOp::vacio(const QString &texto)
+{
+    return fromVBool(modulo::accesoDatos()->EstaVacio(texto));
+}
+
+void frmOp::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
+{
+    if (KeyCode == teclas::F2)
+        enfoca(4);
+    if (KeyCode == teclas::F5) {
+        KeyCode = 0;
+        // As the button: a finished or view-only order is not finished again.
+        if (Command5->isEnabled())
+            atrapa(QStringLiteral("Command5_Click"), [this] { Command5_Click(); });
+        return;
+    }
+    if (KeyCode == teclas::F1 + 8) { // F9: add the typed line
+        KeyCode = 0;
+        if (Command6->isEnabled())
+            atrapa(QStringLiteral("Command6_Click"), [this] { Command6_Click(); });
+        return;
+    }
+    if (KeyCode != teclas::Tabulador && KeyCode != teclas::Enter)
+        return;
+    if (Index < 0 || Index > 29 || Shift != 0)
+        return;
+    // The fields that move on by themselves keep the toolkit from moving the
+    // focus a second time.
+    const auto siguiente = [&](int destino) {
+        KeyCode = 0;
+        if (txtFields.existe(destino))
+            enfoca(destino);
+    };
+    switch (Index) {
+    case 0:
+        siguiente(14);
+        break;
+    case 4:
+        KeyCode = 0;
+        // Leaving the field fills the description; a window that is not the
+        // active one gets no focus events, so it is done here.
+        if (!isActiveWindow())
+            PonDescripcion();
+        if (txtFields(5)->isEnabled()) {
+            txtFields(5)->setFocus(Qt::OtherFocusReason);
+            txtFields(5)->selectAll();
+            if (Check4->isChecked())
+                LlenaPartida();
+        }
+        break;
+    case 5:
+        KeyCode = 0;
+        LlenaPartida();
+        break;
+    case 13:
+        siguiente(17);
+        break;
+    case 14:
+    case 16:
+        siguiente(4);
+        break;
+    case 15:
+        KeyCode = 0;
+        if (txtFields(16)->isEnabled())
+            txtFields(16)->setFocus(Qt::OtherFocusReason);
+        else
+            enfoca(4);
+        break;
+    case 18:
+        siguiente(19);
+        break;
+    case 28:
+        siguiente(29);
+        break;
+    case 29:
+        siguiente(6);
+        break;
+    default:
+        break;
+    }
+}
+
+void frmOp::txtFields_LostFocus(int Index)
+{
+    if (Index == 4 && isVisible() && !descargada())
+        PonDescripcion();
+}
+
+} // namespace zuvi

@@ -1,0 +1,134 @@
+#pragma once
+
+// The production order editor. Its opener (Produccion::NuevaOp, ModificaOp,
+// ConsultaOp) sets Modo, Op, Ambiente, Parent and the header record, then
+// shows it. The class is split by concern: frmOp.cpp load, modes and closing;
+// frmOp_Guarda.cpp saving; frmOp_Partidas.cpp line entry and lookups;
+// frmOp_Comandos.cpp buttons and printing.
+
+#include "component/Export.h"
+#include "contract/Servicios.h"
+#include "controls/Ventana.h"
+
+#include <QPointer>
+#include <QTimer>
+
+#include <memory>
+
+class QCheckBox;
+class QDateEdit;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTextEdit;
+
+namespace Ui {
+class frmOp;
+}
+
+namespace zuvi {
+
+class Rejilla;
+
+class ZUVI_PRODUCCION_EXPORT frmOp : public Ventana
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Modo MEMBER Modo)
+    Q_PROPERTY(qint32 Op MEMBER Op)
+    Q_PROPERTY(QObject *Ambiente READ ambienteObjeto)
+
+public:
+    explicit frmOp(QWidget *parent = nullptr);
+    ~frmOp() override;
+
+    // --- set by the opener ---
+    QString Modo;
+    qint32 Op = 0;
+    QPointer<zuvi::Ambiente> Ambiente;
+    QPointer<QObject> Parent;
+    RecordsetPtr rsOp; // the order's op row; unused in "ALTA"
+
+    // --- what the window keeps ---
+    RecordsetPtr rsPartidas; // the order's lines
+    // Set by the host's process control to refuse the window's next guarded
+    // step (closing, adding a line); each guarded step clears it.
+    VBool Rechazo = VFalse;
+    // Cost of the lines: the order's stored cost plus what this window added.
+    double CostoTotal = 0;
+
+    // --- controls ---
+    ArregloControles<QLineEdit> txtFields;
+    ArregloControles<QLabel> Label10;
+    QDateEdit *DTPicker1 = nullptr;
+    QDateEdit *DTPicker2 = nullptr;
+    QTextEdit *RichTextBox2 = nullptr;
+    QCheckBox *Check1 = nullptr;
+    QCheckBox *Check2 = nullptr;
+    QCheckBox *Check3 = nullptr;
+    QCheckBox *Check4 = nullptr;
+    QPushButton *Command1 = nullptr;
+    QPushButton *Command2 = nullptr;
+    QPushButton *Command5 = nullptr;
+    QPushButton *Command6 = nullptr;
+    Rejilla *fg2 = nullptr;
+    QLineEdit *txtEdit = nullptr;
+    QTimer Timer1;
+
+    QObject *ambienteObjeto() const { return Ambiente.data(); }
+    ConstructorSql *constructorSql() const { return m_sql.get(); }
+
+    // Saving (frmOp_Guarda.cpp).
+    void CreaOp();
+    void SalvaOp();
+    void SalvaCambios();
+    qint32 CuantasPartidas();
+    bool SalvaPartidas();
+
+    // Line entry (frmOp_Partidas.cpp).
+    void LlenaPartida();
+    void NuevaPartida();
+    void PonDescripcion();
+    void PonTC();
+    bool ValidaTab1();
+    QString TraeVends();
+
+    // Commands (frmOp_Comandos.cpp).
+    void Command1_Click();
+    void Command2_Click();
+    void Command5_Click();
+    void Command6_Click();
+    void ImprimeOp();
+
+    void Label10_Click(int Index);
+
+protected:
+    void Form_Load() override;
+    void Form_QueryUnload(qint16 &Cancel, qint16 UnloadMode) override;
+    void Form_Unload(qint16 &Cancel) override;
+    bool eventFilter(QObject *objeto, QEvent *evento) override;
+    void showEvent(QShowEvent *evento) override;
+
+private:
+    void Timer1_Timer();
+    void txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift);
+    void txtFields_LostFocus(int Index);
+    void fg2_KeyDown(qint16 &KeyCode, qint16 Shift);
+
+    // The header controls from the order's row (after loading and CreaOp).
+    void cargaEncabezado(const RecordsetPtr &registro);
+    void llenaRejilla();
+    void iniciaProceso(const QString &clave, VBool &bandera);
+    // Focus a field when it is enabled.
+    void enfoca(int indice);
+    // Message n of the catalogue with style 64.
+    void mensaje(qint32 numero, qint32 estilo = 64);
+    bool vacio(const QString &texto);
+    zuvi::Ambiente *ambiente() const;
+
+    std::unique_ptr<Ui::frmOp> ui;
+    std::unique_ptr<ConstructorSql> m_sql;
+    double m_costoArticulo = 0; // unit cost of the article typed, for CostoTotal
+    bool m_enfocado = false;
+};
+
+} // namespace zuvi

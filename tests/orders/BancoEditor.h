@@ -1,0 +1,153 @@
+#pragma once
+
+// What the editor's tests share: a fresh demo database per case, the
+// scripted interaction, process handlers that record the keys (and refuse
+// the ones in vetados), and helpers that read back the rows written and
+// drive the window with real key events.
+
+#include "component/Modulo.h"
+#include "component/Produccion.h"
+#include "controls/Rejilla.h"
+#include "host/AmbienteAnfitrion.h"
+#include "host/Anfitrion.h"
+#include "host/Reportes.h"
+#include "host/Sql.h"
+#include "orders/frmOp.h"
+#include "tests/support/BaseDePrueba.h"
+#include "tests/support/InteraccionGuionada.h"
+
+#include <QApplication>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+namespace zuvi::pruebas {
+
+inline const QDate kHoy(2024, 5, 17);
+inline const QString kCabecera =
+    "SELECT op, estado, ocupado, almacen, f_emision, fechaEntrega, importe,"
+    " costo, automatico, ordencompra, usuario, usufecha FROM op WHERE op = ";
+inline const QString kPartidas =
+    "SELECT id_entrada, op, tipo_doc, no_referen, articulo, cantidad, precio,"
+    " observ, partida, usuario, usufecha FROM oppart WHERE op = %1"
+    " ORDER BY id_entrada";
+
+// The rows a query returns, each as its values separated by '|'.
+inline QStringList filas(const QSqlDatabase &db, const QString &sql)
+{
+    QStringList r;
+    for (RecordsetPtr rs = anfitrion::consulta(db, sql); !rs->atEnd(); rs->moveNext()) {
+        QStringList valores;
+        for (int i = 0; i < rs->fieldCount(); ++i) {
+            const QVariant v = rs->value(i);
+            valores << (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float
+                            ? QString::number(v.toDouble())
+                        : v.typeId() == QMetaType::QDate ? v.toDate().toString(Qt::ISODate)
+                                                         : v.toString());
+        }
+        r << valores.join('|');
+    }
+    return r;
+}
+
+inline QList<frmOp *> editores()
+{
+    QList<frmOp *> lista;
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (auto *f = qobject_cast<frmOp *>(w); f && !f->descargada())
+            lista << f;
+    return lista;
+}
+
+struct BancoEditor
+{
+
+    std::unique_ptr<BaseDePrueba> base;
+    std::shared_ptr<InteraccionGuionada> ui;
+    std::unique_ptr<Produccion> p;
+    QStringList procesos; // process keys as the host received them
+    QSet<QString> vetados;
+    QString hoy;
+    anfitrion::ManejadorProceso etiquetasReales; // the host's own "OP007"
+    bool conEtiquetas = false;
+
+    QString mensaje(int n)
+    {
+        return base->escalar(QStringLiteral("SELECT texto FROM mensajes WHERE numero = %1").arg(n))
+            .toString();
+    }
+    QStringList cabecera(qint32 op)
+    {
+        return filas(base->conexion(), kCabecera + QString::number(op));
+    }
+    QStringList partidas(qint32 op) { return filas(base->conexion(), kPartidas.arg(op)); }
+    int cuenta(const QString &tabla)
+    {
+        return base->escalar("SELECT COUNT(*) FROM " + tabla).toInt();
+    }
+
+    // The one editor the last call opened, active.
+    QPointer<frmOp> editor()
+    {
+        const auto lista = editores();
+        if (lista.size() != 1)
+            return nullptr;
+        QPointer<frmOp> f = lista.first();
+        return QTest::qWaitForWindowActive(f) ? f : nullptr;
+    }
+    // Types into the field with the focus, then presses a key there.
+    static void teclea(frmOp *f, const QString &texto, Qt::Key tecla = Qt::Key_Return)
+    {
+        if (!texto.isEmpty())
+            QTest::keyClicks(QApplication::focusWidget(), texto);
+        QTest::keyClick(f->windowHandle(), tecla);
+    }
+    static QString foco(frmOp *f)
+    {
+        return f->focusWidget() ? f->focusWidget()->objectName() : QString();
+    }
+
+    void preparaClase()
+    {
+        preparaRegistro();
+        etiquetasReales = anfitrion::manejadorProceso(QStringLiteral("OP007"));
+    }
+    void prepara()
+    {
+        modulo::reinicia();
+        base = std::make_unique<BaseDePrueba>(true);
+        qobject_cast<anfitrion::AmbienteAnfitrion *>(base->ambiente())->ponAhora(kHoy.startOfDay());
+        ui = InteraccionGuionada::instala();
+        procesos.clear();
+        vetados.clear();
+        for (const char *clave : {"Op001", "Op005", "Op006", "OP007"})
+            anfitrion::ponManejadorProceso(
+                QString::fromLatin1(clave), [this](ArgumentosProceso &a) {
+                    procesos << a.proceso + ' ' + QString::number(a.bandera);
+                    if (vetados.contains(a.proceso))
+                        a.bandera = VTrue; // otherwise the flag stays as the editor passed it
+                    else if (conEtiquetas && a.proceso == u"OP007")
+                        etiquetasReales(a);
+                });
+        conEtiquetas = false;
+        p = std::make_unique<Produccion>();
+        p->SetAmbiente(base->ambiente());
+        hoy = QDate::currentDate().toString(Qt::ISODate);
+    }
+    void limpia()
+    {
+        qDeleteAll(QApplication::topLevelWidgets());
+        p.reset();
+        modulo::reinicia();
+        base.reset();
+        for (const char *clave : {"Op001", "Op005", "Op006", "OP007"})
+            anfitrion::ponManejadorProceso(QString::fromLatin1(clave), {});
+    }
+};
+
+} // namespace zuvi::pruebas

@@ -1,0 +1,418 @@
+// The order editor over a real database, driven by real key events: orders
+// created, changed and finished from the keyboard, the rows written, bad
+// input, a full grid, printing.
+
+#include "BancoEditor.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace zuvi;
+using namespace zuvi::pruebas;
+
+class TstFrmOp : public QObject, public BancoEditor
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        preparaClase();
+        QVERIFY(etiquetasReales);
+    }
+    void init() { prepara(); }
+    void cleanup() { limpia(); }
+
+    // From the keyboard alone: an article and Enter, a quantity and Enter, a secondary key
+    // and Enter, a quantity and Enter, F5 and yes. The order is confirmed with both lines.
+    void nuevaOrdenConfirmadaDesdeElTeclado()
+    {
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        QCOMPARE(f->Modo, QStringLiteral("ALTA"));
+        QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
+        QCOMPARE(f->fg2->Rows(), 101);
+        QCOMPARE(f->fg2->Cols(), 8);
+        QStringList titulos;
+        for (int c = 0; c < 8; ++c)
+            titulos << f->fg2->TextMatrix(0, c) + '/' + QString::number(f->fg2->ColWidth(c));
+        QCOMPARE(titulos.join(' '), QStringLiteral("Artículo/1800 QTY/1800 Precio/0 Importe/0 "
+                                                   "Descripción/6000 No de Op/0 Presentación/0 "
+                                                   "Pr. QTY/0"));
+        QCOMPARE(f->DTPicker1->date(), kHoy);
+        QCOMPARE(f->txtFields(14)->text(), QStringLiteral("1"));
+
+        teclea(f, "TORN-01");
+        QCOMPARE(foco(f), QStringLiteral("txtFields_5"));
+        QCOMPARE(f->txtFields(1)->text(), QStringLiteral("Tornillo 1/4\""));
+        teclea(f, "5");
+        QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
+        QCOMPARE(f->Modo, QStringLiteral("MODIFICACION"));
+        const qint32 op = f->Op;
+        QVERIFY(op > 3);
+        QCOMPARE(f->windowTitle(), "Op: " + QString::number(op));
+        QCOMPARE(cabecera(op).value(0).section('|', 1, 2), QStringLiteral("PE|1"));
+        // Tab works as Enter, and the toolkit does not move the focus a second time.
+        teclea(f, "7501000000028", Qt::Key_Tab); // the secondary key of TUER-01
+        QCOMPARE(f->txtFields(4)->text(), QStringLiteral("TUER-01"));
+        QCOMPARE(foco(f), QStringLiteral("txtFields_5"));
+        teclea(f, "3", Qt::Key_Tab);
+        QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
+        QCOMPARE(f->fg2->TextMatrix(1, 0) + ' ' + f->fg2->TextMatrix(2, 0) + ' ' +
+                     f->fg2->TextMatrix(2, 1),
+                 QStringLiteral("TORN-01 TUER-01 3"));
+        QCOMPARE(f->CuantasPartidas(), 2);
+
+        ui->respuestas({true});
+        teclea(f, QString(), Qt::Key_F5);
+        QTRY_VERIFY(f.isNull());
+        QCOMPARE(ui->preguntas(), QStringList{mensaje(759)});
+        QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
+        QCOMPARE(procesos, (QStringList{"Op001 0", "Op005 0", "Op005 0", "OP007 -1", "Op006 0"}));
+        QCOMPARE(cabecera(op), QStringList{QString::number(op) +
+                                           "|CO|0|1|2024-05-17|2024-05-17|0|"
+                                           "3.4|0|0|ADMIN|" +
+                                           hoy});
+        const QStringList lineas = partidas(op);
+        QCOMPARE(lineas.size(), 2);
+        const QString o = QString::number(op);
+        QCOMPARE(lineas.at(0).section('|', 1),
+                 o + "||" + o + "|TORN-01|5|0|Tornillo 1/4\"|0|ADMIN|" + hoy);
+        QCOMPARE(lineas.at(1).section('|', 1),
+                 o + "||" + o + "|TUER-01|3|0|Tuerca 1/4\"|0|ADMIN|" + hoy);
+    }
+
+    // With no line the order is saved pending, with message 343; no process runs and the
+    // window stays open with Finalizar disabled.
+    void nuevaOrdenSinPartidasQuedaPendiente()
+    {
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        const int antes = cuenta("op");
+        ui->respuestas({true});
+        teclea(f, QString(), Qt::Key_F5);
+        QCOMPARE(ui->textosMensajes(), QStringList{mensaje(343)});
+        QVERIFY(f && !f->Command5->isEnabled() && f->Check3->isChecked());
+        QCOMPARE(cuenta("op"), antes + 1);
+        QCOMPARE(cabecera(f->Op).value(0).section('|', 1, 3), QStringLiteral("PE|0|1"));
+        QCOMPARE(procesos, QStringList{"Op001 0"});
+        teclea(f, QString(), Qt::Key_F5); // disabled: nothing more happens
+        QCOMPARE(ui->preguntas().size(), 1);
+    }
+
+    // An existing order: busy while open, its lines in the grid, a line added, left pending
+    // through the caption of Check3, released on closing.
+    void ordenExistenteModificadaYPendiente()
+    {
+        base->ejecuta("UPDATE op SET automatico = 1, usuario = 'OTRO' WHERE op = 1");
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        QCOMPARE(f->windowTitle(), QStringLiteral("Orden de fabricación: 1"));
+        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
+        QCOMPARE(f->fg2->TextMatrix(1, 0) + f->fg2->TextMatrix(2, 0),
+                 QStringLiteral("SOPORTEREPISA"));
+        QVERIFY(f->fg2->TextMatrix(1, 4).startsWith(' '));
+        QVERIFY(f->Check1->isChecked() && !f->Command1->isEnabled());
+        QCOMPARE(f->fg2->Row(), 1);
+
+        teclea(f, "TAB-01");
+        teclea(f, "2");
+        QCOMPARE(f->fg2->TextMatrix(3, 0), QStringLiteral("TAB-01"));
+        f->Check1->setChecked(false);
+        QTest::mouseClick(f->Label10(1), Qt::LeftButton);
+        QVERIFY(f->Check3->isChecked());
+        f->txtFields(4)->setFocus();
+        teclea(f, QString(), Qt::Key_F5);
+        QTRY_VERIFY(f.isNull());
+        QVERIFY(ui->preguntas().isEmpty());
+        const QStringList c = cabecera(1);
+        QCOMPARE(c.value(0).section('|', 1, 3), QStringLiteral("PE|0|3"));
+        QCOMPARE(c.value(0).section('|', 8, 8), QStringLiteral("1")); // automatico stays 1
+        QCOMPARE(c.value(0).section('|', 10, 10), QStringLiteral("ADMIN"));
+        QCOMPARE(partidas(1).size(), 3);
+        QVERIFY(!procesos.contains("OP007 -1"));
+    }
+
+    // Confirming with Check1 clear never writes automatico back to 0; with Check1 ticked
+    // it writes 1.
+    void automaticoNuncaVuelveACero_data()
+    {
+        QTest::addColumn<int>("antes");
+        QTest::addColumn<bool>("marcado");
+        QTest::addColumn<int>("despues");
+        QTest::newRow("1, desmarcado") << 1 << false << 1;
+        QTest::newRow("0, marcado") << 0 << true << 1;
+        QTest::newRow("0, desmarcado") << 0 << false << 0;
+    }
+
+    void automaticoNuncaVuelveACero()
+    {
+        QFETCH(int, antes);
+        QFETCH(bool, marcado);
+        QFETCH(int, despues);
+        base->ejecuta(QStringLiteral("UPDATE op SET automatico = %1 WHERE op = 1").arg(antes));
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        f->Check1->setChecked(marcado);
+        ui->respuestas({true});
+        f->Command5->click();
+        QTRY_VERIFY(f.isNull());
+        QCOMPARE(base->escalar("SELECT automatico FROM op WHERE op = 1").toInt(), despues);
+        QCOMPARE(base->escalar("SELECT estado FROM op WHERE op = 1").toString(),
+                 QStringLiteral("CO"));
+    }
+
+    // A cell written back by SalvaCambios: the column decides what is written.
+    void salvaCambiosPorColumna_data()
+    {
+        QTest::addColumn<int>("columna");
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<QString>("esperado"); // cantidad|impuesto|observ
+        QTest::newRow("cantidad") << 1 << "7.5"
+                                  << "7.5|0|";
+        QTest::newRow("precio va a cantidad") << 2 << "4"
+                                              << "4|0|";
+        QTest::newRow("importe: nada") << 3 << "99"
+                                       << "10|0|";
+        QTest::newRow("descripción: nada") << 4 << "otra"
+                                           << "10|0|";
+        QTest::newRow("presentación a observ") << 6 << "caja"
+                                               << "10|0|caja";
+    }
+
+    void salvaCambiosPorColumna()
+    {
+        QFETCH(int, columna);
+        QFETCH(QString, texto);
+        QFETCH(QString, esperado);
+        base->ejecuta("UPDATE oppart SET observ = '' WHERE op = 1");
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        const QString id = f->fg2->TextMatrix(1, 5);
+        f->fg2->SetRow(1);
+        f->fg2->SetCol(columna);
+        f->fg2->SetText(texto);
+        f->SalvaCambios();
+        const QString sql =
+            "SELECT cantidad, impuesto, observ FROM oppart WHERE id_entrada = " + id;
+        QCOMPARE(filas(base->conexion(), sql), QStringList{esperado});
+        QVERIFY(ui->reportes().isEmpty());
+    }
+
+    // Column 5 holds the line's key: an edit there writes the key itself as the tax.
+    void salvaCambiosEnLaClave()
+    {
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        const QString id = f->fg2->TextMatrix(2, 5);
+        f->fg2->SetRow(2);
+        f->fg2->SetCol(5);
+        f->SalvaCambios();
+        QCOMPARE(base->escalar("SELECT impuesto FROM oppart WHERE id_entrada = " + id).toDouble(),
+                 id.toDouble());
+    }
+
+    // What a clerk can type wrong: a message, no line, the window still usable. A quote
+    // or a stacked statement in the article code fails in the lookup and is reported;
+    // nothing else runs.
+    void entradaInvalida_data()
+    {
+        QTest::addColumn<QString>("articulo");
+        QTest::addColumn<QString>("cantidad");
+        QTest::addColumn<int>("mensaje");
+        QTest::addColumn<bool>("reporte");
+        QTest::newRow("artículo en blanco") << ""
+                                            << "1" << 234 << false;
+        QTest::newRow("artículo desconocido") << "NOEXISTE"
+                                              << "1" << 235 << false;
+        QTest::newRow("cantidad no numérica") << "TORN-01"
+                                              << "abc" << 236 << false;
+        QTest::newRow("cantidad cero") << "TORN-01"
+                                       << "0" << 236 << false;
+        QTest::newRow("cantidad negativa") << "TORN-01"
+                                           << "-2" << 236 << false;
+        QTest::newRow("ubicación restringida") << "PLAC-01"
+                                               << "1" << 703 << false;
+        QTest::newRow("comilla") << "O'Brien"
+                                 << "1" << 235 << true;
+        QTest::newRow("sentencia apilada") << "X'; DELETE FROM op; --"
+                                           << "1" << 235 << true;
+    }
+
+    void entradaInvalida()
+    {
+        QFETCH(QString, articulo);
+        QFETCH(QString, cantidad);
+        QFETCH(int, mensaje);
+        QFETCH(bool, reporte);
+        base->ejecuta("UPDATE estaciones SET almacen = 3");
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        const int ops = cuenta("op"), lineas = cuenta("oppart");
+        teclea(f, articulo);
+        teclea(f, cantidad);
+        QCOMPARE(ui->textosMensajes(), QStringList{this->mensaje(mensaje)});
+        QCOMPARE(ui->reportes().size(), reporte ? 1 : 0);
+        if (reporte)
+            QVERIFY2(
+                ui->reportes().first().contains("Module: frmOp\r\nFunction: PonDescripcion\r\n"),
+                qPrintable(ui->reportes().first()));
+        QCOMPARE(cuenta("op"), ops);
+        QCOMPARE(cuenta("oppart"), lineas);
+        QCOMPARE(f->Modo, QStringLiteral("ALTA"));
+        // Still usable: a good line goes in.
+        f->txtFields(4)->setFocus();
+        f->txtFields(4)->clear();
+        f->txtFields(5)->clear();
+        teclea(f, "TORN-01");
+        teclea(f, "2");
+        QCOMPARE(cuenta("oppart"), lineas + 1);
+        QCOMPARE(f->fg2->TextMatrix(1, 0), QStringLiteral("TORN-01"));
+    }
+
+    // The warehouse is checked before finishing: blank 240, unknown 241.
+    void almacenAlFinalizar_data()
+    {
+        QTest::addColumn<QString>("almacen");
+        QTest::addColumn<int>("mensaje");
+        QTest::newRow("en blanco") << "" << 240;
+        QTest::newRow("desconocido") << "99" << 241;
+    }
+
+    void almacenAlFinalizar()
+    {
+        QFETCH(QString, almacen);
+        QFETCH(int, mensaje);
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        f->txtFields(14)->setText(almacen);
+        teclea(f, QString(), Qt::Key_F5);
+        QCOMPARE(ui->textosMensajes(), QStringList{this->mensaje(mensaje)});
+        QCOMPARE(foco(f), QStringLiteral("txtFields_14"));
+        QVERIFY(ui->preguntas().isEmpty() && f->Command5->isEnabled());
+    }
+
+    // With the barcode reader on, a scanned code and its Enter add a line of one.
+    void lectorDeCodigos()
+    {
+        base->ejecuta("UPDATE estaciones SET lector = 1");
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f && f->Check4->isChecked());
+        teclea(f, "7501000000011");
+        teclea(f, "TUER-01");
+        QCOMPARE(f->fg2->TextMatrix(1, 0) + ' ' + f->fg2->TextMatrix(1, 1) + ' ' +
+                     f->fg2->TextMatrix(2, 0) + ' ' + f->fg2->TextMatrix(2, 1),
+                 QStringLiteral("TORN-01 1 TUER-01 1"));
+        QCOMPARE(partidas(f->Op).size(), 2);
+        QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
+    }
+
+    // The exchange rate of the currency typed, and the salesperson's name: an unknown
+    // currency empties the rate, the base currency disables it for good.
+    void tipoDeCambioYVendedor()
+    {
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        const auto tc = [&](const QString &moneda) {
+            f->txtFields(15)->setText(moneda);
+            f->PonTC();
+            return f->txtFields(16)->text() + (f->txtFields(16)->isEnabled() ? "" : " (fijo)");
+        };
+        QCOMPARE(tc("USD"), QStringLiteral("17.5"));
+        QCOMPARE(tc("XX"), QString());
+        QCOMPARE(tc("MN"), QStringLiteral("1 (fijo)"));
+        QCOMPARE(tc("EUR"), QStringLiteral("19.2 (fijo)"));
+        QCOMPARE(f->TraeVends(), QString()); // field 0 blank: nothing is read
+        f->txtFields(0)->setText("1");
+        f->txtFields(1)->setText("V01");
+        QCOMPARE(f->TraeVends(), QStringLiteral("Laura Méndez"));
+        f->txtFields(1)->setText("V99");
+        QCOMPARE(f->TraeVends(), QString());
+        QVERIFY(ui->reportes().isEmpty());
+    }
+
+    // A full grid: the 101st line is stored, not shown, and nothing fails.
+    void rejillaLlena()
+    {
+        for (int i = 0; i < 100; ++i)
+            base->ejecuta(QStringLiteral("INSERT INTO oppart (id_entrada, op, articulo, cantidad) "
+                                         "VALUES (%1, 3, 'TORN-01', 1)")
+                              .arg(1000 + i));
+        p->ModificaOp(3);
+        auto f = editor();
+        QVERIFY(f);
+        QCOMPARE(f->CuantasPartidas(), 100);
+        teclea(f, "TUER-01");
+        teclea(f, "4");
+        QCOMPARE(partidas(3).size(), 101);
+        QCOMPARE(f->fg2->Rows(), 101);
+        QVERIFY(ui->reportes().isEmpty() && ui->mensajes().isEmpty());
+    }
+
+    // Delete in the grid removes a stored line, but not in view-only mode.
+    void suprimirPartida()
+    {
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        f->fg2->setFocus();
+        f->fg2->SetRow(1);
+        QTest::keyClick(f->windowHandle(), Qt::Key_Delete);
+        QCOMPARE(partidas(1).size(), 1);
+        QCOMPARE(f->fg2->TextMatrix(1, 0), QStringLiteral("REPISA"));
+        f->descarga();
+        p->ConsultaOp(1);
+        f = editor();
+        QVERIFY(f);
+        f->fg2->SetRow(1);
+        f->fg2->setEnabled(true);
+        f->fg2->setFocus();
+        QTest::keyClick(f->windowHandle(), Qt::Key_Delete);
+        QCOMPARE(partidas(1).size(), 1);
+    }
+
+    // Confirming with "Imprimir movimiento." ticked (through its caption): the labels, one
+    // per unit, then the order report, both written as PDF files and reported.
+    void imprimeEtiquetasYOrden()
+    {
+        QTemporaryDir carpeta;
+        anfitrion::ponCarpetaReportes(carpeta.path());
+        conEtiquetas = true;
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        QTest::mouseClick(f->Label10(2), Qt::LeftButton);
+        QVERIFY(f->Check2->isChecked());
+        ui->respuestas({true});
+        teclea(f, QString(), Qt::Key_F5);
+        QTRY_VERIFY(f.isNull());
+        anfitrion::ponCarpetaReportes(QString());
+        const QString etiquetas = carpeta.filePath("Etiquetas-Orden-1.pdf");
+        const QString orden = carpeta.filePath("OrdenProduccion-1.pdf");
+        QVERIFY2(QFileInfo(etiquetas).size() > 1000 && QFileInfo(orden).size() > 1000,
+                 qPrintable((ui->textosMensajes() + ui->reportes()).join('\n')));
+        QCOMPARE(ui->textosMensajes(),
+                 (QStringList{"12 etiqueta(s) de la orden 1 se guardaron en " + etiquetas,
+                              "La orden de producción 1 se guardó en " + orden}));
+        QVERIFY(ui->reportes().isEmpty());
+    }
+};
+
+QTEST_MAIN(TstFrmOp)
+#include "tst_frmop.moc"

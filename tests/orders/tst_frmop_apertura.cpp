@@ -1,0 +1,196 @@
+// Opening and closing the order editor over a real database: the openers'
+// refusals, the busy mark, closing from the title bar, refused steps, the
+// numbering at its limit and the database lost while the window is open.
+
+#include "BancoEditor.h"
+
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+using namespace zuvi;
+using namespace zuvi::pruebas;
+
+class TstFrmOpApertura : public QObject, public BancoEditor
+{
+    Q_OBJECT
+
+private Q_SLOTS:
+    void initTestCase()
+    {
+        preparaClase();
+        QVERIFY(etiquetasReales);
+    }
+    void init() { prepara(); }
+    void cleanup() { limpia(); }
+
+    // The openers: the mode from the state, the refusals of a busy order.
+    void aperturas_data()
+    {
+        QTest::addColumn<bool>("modifica");
+        QTest::addColumn<int>("op");
+        QTest::addColumn<QString>("cambio"); // applied to the order first
+        QTest::addColumn<QString>("mensajes");
+        QTest::addColumn<QString>("modo"); // empty: no window
+        QTest::newRow("modifica: no existe") << true << 77 << ""
+                                             << "754/16"
+                                             << "";
+        QTest::newRow("modifica: confirmada") << true << 2 << ""
+                                              << "753/64"
+                                              << "CONSULTA";
+        QTest::newRow("modifica: confirmada y ocupada") << true << 2 << "ocupado = 1"
+                                                        << "753/64"
+                                                        << "CONSULTA";
+        QTest::newRow("modifica: ocupada por mí") << true << 1 << "ocupado = 1"
+                                                  << "755/64"
+                                                  << "";
+        QTest::newRow("modifica: ocupada por otro")
+            << true << 1 << "ocupado = 1, usuario = '  OTRO  '"
+            << "756 OTRO 76/64"
+            << "";
+        QTest::newRow("modifica: libre") << true << 3 << ""
+                                         << ""
+                                         << "MODIFICACION";
+        QTest::newRow("consulta: no existe") << false << 77 << ""
+                                             << "72/16"
+                                             << "";
+        QTest::newRow("consulta: ocupada") << false << 1 << "ocupado = 1, usuario = 'OTRO'"
+                                           << ""
+                                           << "CONSULTA";
+    }
+
+    void aperturas()
+    {
+        QFETCH(bool, modifica);
+        QFETCH(int, op);
+        QFETCH(QString, cambio);
+        QFETCH(QString, mensajes);
+        QFETCH(QString, modo);
+        if (!cambio.isEmpty())
+            base->ejecuta(QStringLiteral("UPDATE op SET %1 WHERE op = %2").arg(cambio).arg(op));
+        modifica ? p->ModificaOp(op) : p->ConsultaOp(op);
+        QStringList vistos;
+        for (const auto &m : ui->mensajes())
+            vistos << m.texto + '/' + QString::number(m.estilo);
+        QString esperado = mensajes;
+        for (int n : {72, 76, 753, 754, 755, 756})
+            esperado.replace(QString::number(n), this->mensaje(n));
+        QCOMPARE(vistos, mensajes.isEmpty() ? QStringList() : QStringList{esperado});
+        const auto lista = editores();
+        QCOMPARE(lista.size(), modo.isEmpty() ? 0 : 1);
+        if (!modo.isEmpty()) {
+            QCOMPARE(lista.first()->Modo, modo);
+            QCOMPARE(lista.first()->Command5->isEnabled(), modo != u"CONSULTA");
+            QCOMPARE(lista.first()->Command1->isEnabled(), modo == u"CONSULTA");
+        }
+    }
+
+    // A view-only window never marks nor releases the order.
+    void consultaNoMarcaNiLibera()
+    {
+        base->ejecuta("UPDATE op SET ocupado = 1, usuario = 'OTRO' WHERE op = 1");
+        p->ConsultaOp(1);
+        auto f = editor();
+        QVERIFY(f && !f->txtFields(4)->isEnabled() && f->Command2->isEnabled());
+        QVERIFY(f->descarga());
+        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
+    }
+
+    // Closing from the title bar goes through the timer; a refused load leaves the flag
+    // set, so the first close is refused and the second goes through.
+    void cierreYRechazos()
+    {
+        vetados = {"Op001"};
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        QVERIFY(fromVBool(f->Rechazo));
+        QCloseEvent desdeTitulo;
+        QApplication::sendEvent(f, &desdeTitulo); // not spontaneous: from code
+        QVERIFY(f && !f->descargada());           // refused once, flag cleared
+        QVERIFY(!fromVBool(f->Rechazo));
+        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
+        vetados.clear();
+        f->windowHandle()->close(); // the window system's close: QueryUnload arms the timer
+        QVERIFY(f);
+        QTRY_VERIFY(f.isNull());
+        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 0);
+        QCOMPARE(procesos, (QStringList{"Op001 0", "Op006 -1", "Op006 0"}));
+    }
+
+    // A refused "Op005" adds no line and clears the flag.
+    void partidaRechazada()
+    {
+        vetados = {"Op005"};
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        teclea(f, "TORN-01");
+        teclea(f, "1");
+        QCOMPARE(f->Modo, QStringLiteral("ALTA"));
+        QVERIFY(!fromVBool(f->Rechazo) && f->fg2->TextMatrix(1, 0).isEmpty());
+        vetados.clear();
+        teclea(f, "TORN-01");
+        teclea(f, "1");
+        QCOMPARE(partidas(f->Op).size(), 1);
+    }
+
+    // Numbering at its limit: a clear report. For "Op" nothing is written; for "oppart"
+    // the header written by CreaOp stays, the line does not.
+    void numeracionAlLimite_data()
+    {
+        QTest::addColumn<QString>("clave");
+        QTest::addColumn<int>("opsNuevas");
+        QTest::newRow("Op") << "Op" << 0;
+        QTest::newRow("oppart") << "oppart" << 1;
+    }
+
+    void numeracionAlLimite()
+    {
+        QFETCH(QString, clave);
+        QFETCH(int, opsNuevas);
+        base->ejecuta("DELETE FROM folios WHERE clave = '" + clave + "'");
+        base->ejecuta("INSERT INTO folios (clave, ultimo) VALUES ('" + clave + "', 2147483646)");
+        p->NuevaOp();
+        auto f = editor();
+        QVERIFY(f);
+        const int ops = cuenta("op"), lineas = cuenta("oppart");
+        teclea(f, "TORN-01");
+        teclea(f, "1");
+        QCOMPARE(ui->reportes().size(), 1);
+        QVERIFY2(ui->reportes().first().contains(u"límite"), qPrintable(ui->reportes().first()));
+        QCOMPARE(cuenta("op"), ops + opsNuevas);
+        QCOMPARE(cuenta("oppart"), lineas);
+        QVERIFY(f->fg2->TextMatrix(1, 0).isEmpty());
+    }
+
+    // The connection lost while the window is open: finishing and closing report the
+    // error, the window goes, the busy mark stays behind.
+    void baseDeDatosPerdida()
+    {
+        p->ModificaOp(1);
+        auto f = editor();
+        QVERIFY(f);
+        QSqlDatabase db = base->conexion();
+        anfitrion::olvidaSentencias(db);
+        db.close();
+        f->Check3->setChecked(true);
+        teclea(f, QString(), Qt::Key_F5);
+        QVERIFY(!ui->reportes().isEmpty());
+        QVERIFY(f);
+        f->descarga();
+        QTRY_VERIFY(f.isNull());
+        QVERIFY2(ui->reportes().last().contains("Function: Form_Unload"),
+                 qPrintable(ui->reportes().join('\n')));
+        QVERIFY(db.open());
+        QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
+    }
+};
+
+QTEST_MAIN(TstFrmOpApertura)
+#include "tst_frmop_apertura.moc"

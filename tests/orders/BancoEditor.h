@@ -37,24 +37,6 @@ inline const QString kPartidas =
     " observ, partida, usuario, usufecha FROM oppart WHERE op = %1"
     " ORDER BY id_entrada";
 
-// The rows a query returns, each as its values separated by '|'.
-inline QStringList filas(const QSqlDatabase &db, const QString &sql)
-{
-    QStringList r;
-    for (RecordsetPtr rs = anfitrion::consulta(db, sql); !rs->atEnd(); rs->moveNext()) {
-        QStringList valores;
-        for (int i = 0; i < rs->fieldCount(); ++i) {
-            const QVariant v = rs->value(i);
-            valores << (v.typeId() == QMetaType::Double || v.typeId() == QMetaType::Float
-                            ? QString::number(v.toDouble())
-                        : v.typeId() == QMetaType::QDate ? v.toDate().toString(Qt::ISODate)
-                                                         : v.toString());
-        }
-        r << valores.join('|');
-    }
-    return r;
-}
-
 inline QList<frmOp *> editores()
 {
     QList<frmOp *> lista;
@@ -83,9 +65,9 @@ struct BancoEditor
     }
     QStringList cabecera(qint32 op)
     {
-        return filas(base->conexion(), kCabecera + QString::number(op));
+        return filas(base->conexion(), kCabecera + QString::number(op), u'|');
     }
-    QStringList partidas(qint32 op) { return filas(base->conexion(), kPartidas.arg(op)); }
+    QStringList partidas(qint32 op) { return filas(base->conexion(), kPartidas.arg(op), u'|'); }
     int cuenta(const QString &tabla)
     {
         return base->escalar("SELECT COUNT(*) FROM " + tabla).toInt();
@@ -121,7 +103,7 @@ struct BancoEditor
     {
         modulo::reinicia();
         base = std::make_unique<BaseDePrueba>(true);
-        qobject_cast<anfitrion::AmbienteAnfitrion *>(base->ambiente())->ponAhora(kHoy.startOfDay());
+        base->fijaReloj(kHoy.startOfDay());
         ui = InteraccionGuionada::instala();
         procesos.clear();
         vetados.clear();

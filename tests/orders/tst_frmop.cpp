@@ -206,7 +206,7 @@ private Q_SLOTS:
         f->SalvaCambios();
         const QString sql =
             "SELECT cantidad, impuesto, observ FROM oppart WHERE id_entrada = " + id;
-        QCOMPARE(filas(base->conexion(), sql), QStringList{esperado});
+        QCOMPARE(filas(base->conexion(), sql, u'|'), QStringList{esperado});
         QVERIFY(ui->reportes().isEmpty());
     }
 

@@ -82,7 +82,8 @@ private Q_SLOTS:
             i.CancelaOp(9);
         QVERIFY2(!h.registro.isEmpty(), "the method ended before asking the host anything");
         QVERIFY2(h.registro.first().startsWith(primera), qPrintable(h.registro.first()));
-        QVERIFY2(!h.reportes.join('\n').contains("Ambiente"), qPrintable(h.reportes.join('\n')));
+        QVERIFY2(!h.reportes().join('\n').contains("Ambiente"),
+                 qPrintable(h.reportes().join('\n')));
     }
 
     // Argument (2) left empty: no error while the host vetoes; an error at the document's
@@ -110,11 +111,11 @@ private Q_SLOTS:
         if (veta) {
             QCOMPARE(proceso, (QStringList{"IniciaProceso: OPAUTO002", "ConsultaProceso: -1",
                                            "CierraProceso: 0"}));
-            QVERIFY(h.reportes.isEmpty() && h.movimientos.isEmpty());
+            QVERIFY(h.reportes().isEmpty() && h.movimientos.isEmpty());
         } else {
             QCOMPARE(proceso, (QStringList{"IniciaProceso: OPAUTO002", "ConsultaProceso: -1"}));
-            QCOMPARE(h.reportes.size(), 1);
-            QVERIFY(h.reportes.first().contains("Function: Ensamble"));
+            QCOMPARE(h.reportes().size(), 1);
+            QVERIFY(h.reportes().first().contains("Function: Ensamble"));
             QVERIFY(h.movimientos.isEmpty());
         }
     }

@@ -95,14 +95,20 @@ QVariant BaseDePrueba::escalar(const QString &sql)
     return q.next() ? q.value(0) : QVariant();
 }
 
-QStringList filas(const QSqlDatabase &conexion, const QString &sql)
+QStringList filas(const QSqlDatabase &conexion, const QString &sql, QChar separador)
 {
     QStringList r;
     for (RecordsetPtr rs = anfitrion::consulta(conexion, sql); !rs->atEnd(); rs->moveNext()) {
         QStringList valores;
-        for (int i = 0; i < rs->fieldCount(); ++i)
-            valores << rs->value(i).toString();
-        r << valores.join(u' ');
+        for (int i = 0; i < rs->fieldCount(); ++i) {
+            const QVariant v = rs->value(i);
+            const int tipo = v.typeId();
+            valores << (tipo == QMetaType::Double || tipo == QMetaType::Float
+                            ? QString::number(v.toDouble())
+                        : tipo == QMetaType::QDate ? v.toDate().toString(Qt::ISODate)
+                                                   : v.toString());
+        }
+        r << valores.join(separador);
     }
     return r;
 }

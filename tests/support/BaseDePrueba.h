@@ -19,9 +19,10 @@ class QTemporaryDir;
 
 namespace zuvi::pruebas {
 
-// Every row a query returns, each as its values separated by blanks: the one
-// way tests read rows.
-QStringList filas(const QSqlDatabase &conexion, const QString &sql);
+// Every row a query returns, each as its values separated by the separator
+// (numbers in their shortest form, dates as yyyy-MM-dd): the one way tests
+// read rows.
+QStringList filas(const QSqlDatabase &conexion, const QString &sql, QChar separador = u' ');
 
 class BaseDePrueba
 {
@@ -39,7 +40,10 @@ public:
 
     // First field of the first row, invalid when there is none; throws Error on failure.
     QVariant escalar(const QString &sql);
-    QStringList filas(const QString &sql) { return pruebas::filas(conexion(), sql); }
+    QStringList filas(const QString &sql, QChar separador = u' ')
+    {
+        return pruebas::filas(conexion(), sql, separador);
+    }
     // Stops the host's clock at this instant: dates, times and the movement
     // folio no longer depend on when the test runs.
     void fijaReloj(const QDateTime &ahora);

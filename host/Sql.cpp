@@ -201,6 +201,18 @@ void trazaSentencia(const QSqlDatabase &db, const QString &sql, const QVariantLi
         traza(textoDe(db, sql, valores, textoTraza));
 }
 
+// A text with no quote and no digit (BEGIN, COMMIT, a fixed query) has no
+// literal to hoist: it is kept as it is, without scanning it.
+bool puedeTenerLiterales(const QString &sql)
+{
+    for (const QChar c : sql) {
+        const char16_t u = c.unicode();
+        if (u == u'\'' || (u >= u'0' && u <= u'9'))
+            return true;
+    }
+    return false;
+}
+
 // Runs a kept statement. A text handed over with its values written in runs
 // as the kept statement of its normalized text, its literals bound; on
 // failure the statement is dropped, so a lost connection or a changed table
@@ -211,7 +223,7 @@ void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariant
     trazaSentencia(db, sql, valores, textoTraza);
     Preparadas &p = preparadasDe(db);
     SentenciaNormalizada n;
-    if (valores.isEmpty())
+    if (valores.isEmpty() && puedeTenerLiterales(sql))
         n = normalizaSentencia(sql, p.motor);
     const QString &texto = n.entendida ? n.texto : sql;
     const QVariantList &enlazados = n.entendida ? n.valores : valores;

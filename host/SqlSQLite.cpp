@@ -75,9 +75,20 @@ private:
     int enlazaTexto(int i, QStringView texto)
     {
         std::string &b = m_textos[size_t(i)];
-        b.resize(size_t(m_utf8.requiredSpace(texto.size())));
-        char *fin = m_utf8.appendToBuffer(b.data(), texto);
-        return sqlite3_bind_text(m_st, i + 1, b.data(), int(fin - b.data()), SQLITE_STATIC);
+        const qsizetype n = texto.size();
+        b.resize(size_t(n));
+        // Codes and numbers are plain ASCII: copied byte for byte.
+        for (qsizetype k = 0; k < n; ++k) {
+            const char16_t c = texto.at(k).unicode();
+            if (c >= 0x80) {
+                b.resize(size_t(m_utf8.requiredSpace(n)));
+                char *fin = m_utf8.appendToBuffer(b.data(), texto);
+                b.resize(size_t(fin - b.data()));
+                break;
+            }
+            b[size_t(k)] = char(c);
+        }
+        return sqlite3_bind_text(m_st, i + 1, b.data(), int(b.size()), SQLITE_STATIC);
     }
 
     // The values bound as the driver binds them.
@@ -110,6 +121,15 @@ private:
         case QMetaType::QString: {
             const QString &t = *static_cast<const QString *>(v.constData());
             return enlazaTexto(i, t);
+        }
+        case QMetaType::QDate: {
+            // One posting after another carries the same date: its text is kept.
+            const QDate &fecha = *static_cast<const QDate *>(v.constData());
+            if (fecha != m_fecha || m_textoFecha.isEmpty()) {
+                m_fecha = fecha;
+                m_textoFecha = fecha.toString(Qt::ISODate);
+            }
+            return enlazaTexto(i, m_textoFecha);
         }
         case QMetaType::QDateTime:
             return enlazaTexto(i, v.toDateTime().toString(Qt::ISODateWithMs));
@@ -179,6 +199,8 @@ private:
     std::vector<std::string> m_textos;
     std::vector<const char *> m_punteros;
     QStringList m_columnas;
+    QDate m_fecha;
+    QString m_textoFecha;
 };
 
 } // namespace

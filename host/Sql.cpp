@@ -9,6 +9,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 
+#include <array>
 #include <list>
 #include <unordered_map>
 
@@ -133,10 +134,29 @@ std::unordered_map<QString, Preparadas> &preparadas()
     return cache;
 }
 
+// The connection of the last statement, found again without hashing its name.
+struct Ultima
+{
+    const QSqlDriver *driver = nullptr;
+    QString nombre;
+    Preparadas *preparadas = nullptr;
+};
+
+Ultima &ultima()
+{
+    static Ultima u;
+    return u;
+}
+
 Preparadas &preparadasDe(const QSqlDatabase &db)
 {
     exigeAbierta(db);
-    Preparadas &p = preparadas()[db.connectionName()];
+    Ultima &u = ultima();
+    const QString nombre = db.connectionName();
+    if (u.driver != db.driver() || u.nombre != nombre) {
+        u = {db.driver(), nombre, &preparadas()[nombre]};
+    }
+    Preparadas &p = *u.preparadas;
     void *manejador = interno::manejadorSQLite(db);
     if (p.driver != db.driver() || p.manejador != manejador) {
         p.vacia();
@@ -213,6 +233,25 @@ bool puedeTenerLiterales(const QString &sql)
     return false;
 }
 
+// The scanner's answer for a text, remembered for the last texts seen: the
+// same article or order comes back line after line. One slot per hash, the
+// newer text taking the slot.
+SentenciaNormalizada normalizada(const QString &sql, Motor motor)
+{
+    struct Recordada
+    {
+        QString original;
+        Motor motor = Motor::SQLite;
+        SentenciaNormalizada normalizada;
+    };
+    constexpr size_t kRecordadas = 512;
+    static std::array<Recordada, kRecordadas> recordadas;
+    Recordada &r = recordadas[qHash(sql) % kRecordadas];
+    if (r.motor != motor || r.original != sql)
+        r = {sql, motor, normalizaSentencia(sql, motor)};
+    return r.normalizada;
+}
+
 // Runs a kept statement. A text handed over with its values written in runs
 // as the kept statement of its normalized text, its literals bound; on
 // failure the statement is dropped, so a lost connection or a changed table
@@ -224,7 +263,7 @@ void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariant
     Preparadas &p = preparadasDe(db);
     SentenciaNormalizada n;
     if (valores.isEmpty() && puedeTenerLiterales(sql))
-        n = normalizaSentencia(sql, p.motor);
+        n = normalizada(sql, p.motor);
     const QString &texto = n.entendida ? n.texto : sql;
     const QVariantList &enlazados = n.entendida ? n.valores : valores;
     FalloSql fallo;
@@ -262,6 +301,7 @@ ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
 
 void olvidaSentencias(const QSqlDatabase &db)
 {
+    ultima() = {};
     preparadas().erase(db.connectionName());
 }
 

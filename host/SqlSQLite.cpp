@@ -28,7 +28,8 @@ public:
     bool ejecuta(const QVariantList &valores, RecordsetPtr *filas, ResultadoAccion *accion,
                  FalloSql &fallo) override
     {
-        sqlite3_reset(m_st);
+        if (sqlite3_stmt_busy(m_st)) // every way out resets it; this is the guard
+            sqlite3_reset(m_st);
         const int marcas = sqlite3_bind_parameter_count(m_st);
         if (marcas != valores.size()) {
             fallo = {QStringLiteral("Parameter count mismatch"), SQLITE_RANGE};
@@ -41,6 +42,8 @@ public:
                 return falla(fallo);
         }
         QList<QVariantList> leidas;
+        if (filas)
+            leidas.reserve(4);
         int rc;
         while ((rc = sqlite3_step(m_st)) == SQLITE_ROW) {
             if (filas)
@@ -210,9 +213,15 @@ void *manejadorSQLite(const QSqlDatabase &db)
     const QSqlDriver *driver = db.driver();
     if (!driver || !driver->isOpen())
         return nullptr;
+    // The driver registers the handle's type on first use: it is recognised
+    // by name once, then by the type itself.
+    static QMetaType tipo;
     const QVariant h = driver->handle();
-    if (!h.isValid() || qstrcmp(h.typeName(), "sqlite3*") != 0)
-        return nullptr;
+    if (h.metaType() != tipo) {
+        if (!h.isValid() || qstrcmp(h.typeName(), "sqlite3*") != 0)
+            return nullptr;
+        tipo = h.metaType();
+    }
     return *static_cast<sqlite3 *const *>(h.constData());
 }
 

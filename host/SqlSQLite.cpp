@@ -94,14 +94,23 @@ private:
         return sqlite3_bind_text(m_st, i + 1, b.data(), int(b.size()), SQLITE_STATIC);
     }
 
-    // The values bound as the driver binds them.
+    // The values bound as the driver binds them, null where the driver takes a
+    // value for null: an empty variant, a null text, date or byte array, an
+    // invalid time or date and time.
     int enlaza(int i, const QVariant &v)
     {
+        const int n = i + 1;
         if (!v.isValid() || v.isNull())
-            return sqlite3_bind_null(m_st, i + 1);
+            return sqlite3_bind_null(m_st, n);
+        const void *d = v.constData();
         switch (v.typeId()) {
-        case QMetaType::Bool:
         case QMetaType::Int:
+            return sqlite3_bind_int64(m_st, n, *static_cast<const int *>(d));
+        case QMetaType::LongLong:
+            return sqlite3_bind_int64(m_st, n, *static_cast<const qlonglong *>(d));
+        case QMetaType::Double:
+            return sqlite3_bind_double(m_st, n, *static_cast<const double *>(d));
+        case QMetaType::Bool:
         case QMetaType::Short:
         case QMetaType::UShort:
         case QMetaType::Char:
@@ -109,35 +118,45 @@ private:
         case QMetaType::UChar:
         case QMetaType::UInt:
         case QMetaType::Long:
-        case QMetaType::LongLong:
-            return sqlite3_bind_int64(m_st, i + 1, v.toLongLong());
+            return sqlite3_bind_int64(m_st, n, v.toLongLong());
         case QMetaType::ULong:
         case QMetaType::ULongLong:
-            return sqlite3_bind_int64(m_st, i + 1, qint64(v.toULongLong()));
-        case QMetaType::Double:
+            return sqlite3_bind_int64(m_st, n, qint64(v.toULongLong()));
         case QMetaType::Float:
-            return sqlite3_bind_double(m_st, i + 1, v.toDouble());
+            return sqlite3_bind_double(m_st, n, v.toDouble());
         case QMetaType::QByteArray: {
-            const QByteArray b = v.toByteArray();
-            return sqlite3_bind_blob(m_st, i + 1, b.constData(), int(b.size()), SQLITE_TRANSIENT);
+            const QByteArray &b = *static_cast<const QByteArray *>(d);
+            if (b.isNull())
+                return sqlite3_bind_null(m_st, n);
+            return sqlite3_bind_blob(m_st, n, b.constData(), int(b.size()), SQLITE_TRANSIENT);
         }
         case QMetaType::QString: {
-            const QString &t = *static_cast<const QString *>(v.constData());
-            return enlazaTexto(i, t);
+            const QString &t = *static_cast<const QString *>(d);
+            return t.isNull() ? sqlite3_bind_null(m_st, n) : enlazaTexto(i, t);
         }
         case QMetaType::QDate: {
+            const QDate &fecha = *static_cast<const QDate *>(d);
+            if (fecha.isNull())
+                return sqlite3_bind_null(m_st, n);
             // One posting after another carries the same date: its text is kept.
-            const QDate &fecha = *static_cast<const QDate *>(v.constData());
             if (fecha != m_fecha || m_textoFecha.isEmpty()) {
                 m_fecha = fecha;
                 m_textoFecha = fecha.toString(Qt::ISODate);
             }
             return enlazaTexto(i, m_textoFecha);
         }
-        case QMetaType::QDateTime:
-            return enlazaTexto(i, v.toDateTime().toString(Qt::ISODateWithMs));
-        case QMetaType::QTime:
-            return enlazaTexto(i, v.toTime().toString(QStringLiteral("hh:mm:ss.zzz")));
+        case QMetaType::QDateTime: {
+            const QDateTime &t = *static_cast<const QDateTime *>(d);
+            if (!t.isValid())
+                return sqlite3_bind_null(m_st, n);
+            return enlazaTexto(i, t.toString(Qt::ISODateWithMs));
+        }
+        case QMetaType::QTime: {
+            const QTime &t = *static_cast<const QTime *>(d);
+            if (!t.isValid())
+                return sqlite3_bind_null(m_st, n);
+            return enlazaTexto(i, t.toString(QStringLiteral("hh:mm:ss.zzz")));
+        }
         default:
             return enlazaTexto(i, v.toString());
         }

@@ -318,6 +318,18 @@ private slots:
         QVERIFY(rs->isNull("fecha"));
         QCOMPARE(ejecutaAccion(db, "UPDATE movimientos SET importe = 3 WHERE almacen = 2").filas,
                  1);
+        // A null text, date or time is bound as NULL, as the driver binds it;
+        // an empty text stays a text.
+        const QVariantList nulos{QString(), QVariant(QMetaType::fromType<QDate>()), QString(""),
+                                 r.ultimoId};
+        ejecutaAccion(db, "UPDATE movimientos SET concepto = ?, fecha = ?, folio = ? WHERE id = ?",
+                      nulos);
+        const RecordsetPtr n = consulta(
+            db, "SELECT concepto, fecha, folio FROM movimientos WHERE id = ?", {r.ultimoId});
+        QVERIFY(n->isNull("concepto"));
+        QVERIFY(n->isNull("fecha"));
+        QVERIFY(!n->isNull("folio"));
+        QCOMPARE(n->text("folio"), QString());
     }
 };
 

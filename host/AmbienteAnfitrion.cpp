@@ -96,9 +96,7 @@ RecordsetPtr AmbienteAnfitrion::ParametrosEstacion()
         "SELECT estacion AS Estacion, almacen AS Almacen, lector AS Lector FROM estaciones"
         " WHERE estacion = ?");
     for (const QString &estacion : {m_opciones.estacion, QStringLiteral("1")}) {
-        QString traza = sql;
-        traza.replace(QLatin1Char('?'), QLatin1Char('\'') + estacion + QLatin1Char('\''));
-        QSqlQuery q = ejecutaConValores(m_conexion, sql, {estacion}, traza);
+        QSqlQuery q = ejecutaConValores(m_conexion, sql, {estacion});
         RecordsetPtr rs = Recordset::fromQuery(q);
         if (!rs->atEnd())
             return rs;

@@ -9,6 +9,7 @@
 #include <QSqlDriver>
 #include <QSqlError>
 
+#include <array>
 #include <list>
 #include <unordered_map>
 
@@ -133,10 +134,29 @@ std::unordered_map<QString, Preparadas> &preparadas()
     return cache;
 }
 
+// The connection of the last statement, found again without hashing its name.
+struct Ultima
+{
+    const QSqlDriver *driver = nullptr;
+    QString nombre;
+    Preparadas *preparadas = nullptr;
+};
+
+Ultima &ultima()
+{
+    static Ultima u;
+    return u;
+}
+
 Preparadas &preparadasDe(const QSqlDatabase &db)
 {
     exigeAbierta(db);
-    Preparadas &p = preparadas()[db.connectionName()];
+    Ultima &u = ultima();
+    const QString nombre = db.connectionName();
+    if (u.driver != db.driver() || u.nombre != nombre) {
+        u = {db.driver(), nombre, &preparadas()[nombre]};
+    }
+    Preparadas &p = *u.preparadas;
     void *manejador = interno::manejadorSQLite(db);
     if (p.driver != db.driver() || p.manejador != manejador) {
         p.vacia();
@@ -201,6 +221,37 @@ void trazaSentencia(const QSqlDatabase &db, const QString &sql, const QVariantLi
         traza(textoDe(db, sql, valores, textoTraza));
 }
 
+// A text with no quote and no digit (BEGIN, COMMIT, a fixed query) has no
+// literal to hoist: it is kept as it is, without scanning it.
+bool puedeTenerLiterales(const QString &sql)
+{
+    for (const QChar c : sql) {
+        const char16_t u = c.unicode();
+        if (u == u'\'' || (u >= u'0' && u <= u'9'))
+            return true;
+    }
+    return false;
+}
+
+// The scanner's answer for a text, remembered for the last texts seen: the
+// same article or order comes back line after line. One slot per hash, the
+// newer text taking the slot.
+SentenciaNormalizada normalizada(const QString &sql, Motor motor)
+{
+    struct Recordada
+    {
+        QString original;
+        Motor motor = Motor::SQLite;
+        SentenciaNormalizada normalizada;
+    };
+    constexpr size_t kRecordadas = 512;
+    static std::array<Recordada, kRecordadas> recordadas;
+    Recordada &r = recordadas[qHash(sql) % kRecordadas];
+    if (r.motor != motor || r.original != sql)
+        r = {sql, motor, normalizaSentencia(sql, motor)};
+    return r.normalizada;
+}
+
 // Runs a kept statement. A text handed over with its values written in runs
 // as the kept statement of its normalized text, its literals bound; on
 // failure the statement is dropped, so a lost connection or a changed table
@@ -211,8 +262,8 @@ void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariant
     trazaSentencia(db, sql, valores, textoTraza);
     Preparadas &p = preparadasDe(db);
     SentenciaNormalizada n;
-    if (valores.isEmpty())
-        n = normalizaSentencia(sql, p.motor);
+    if (valores.isEmpty() && puedeTenerLiterales(sql))
+        n = normalizada(sql, p.motor);
     const QString &texto = n.entendida ? n.texto : sql;
     const QVariantList &enlazados = n.entendida ? n.valores : valores;
     FalloSql fallo;
@@ -250,6 +301,7 @@ ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
 
 void olvidaSentencias(const QSqlDatabase &db)
 {
+    ultima() = {};
     preparadas().erase(db.connectionName());
 }
 

@@ -12,6 +12,9 @@
 #include <QTime>
 #include <QVarLengthArray>
 
+#include <array>
+#include <string_view>
+
 namespace zuvi::anfitrion {
 
 namespace {
@@ -28,12 +31,19 @@ struct Nivel
 
 bool esLetra(QChar c)
 {
-    return c.isLetter() || c == QLatin1Char('_');
+    const char16_t u = c.unicode();
+    if (u < 128)
+        return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || u == u'_';
+    return c.isLetter();
 }
 
 bool esDeNombre(QChar c)
 {
-    return c.isLetterOrNumber() || c == QLatin1Char('_') || c == QLatin1Char('$');
+    const char16_t u = c.unicode();
+    if (u < 128)
+        return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') ||
+               u == u'_' || u == u'$';
+    return c.isLetterOrNumber();
 }
 
 bool esDigito(QChar c)
@@ -41,15 +51,85 @@ bool esDigito(QChar c)
     return c >= QLatin1Char('0') && c <= QLatin1Char('9');
 }
 
-bool es(QStringView palabra, const char *clave)
-{
-    return palabra.compare(QLatin1String(clave), Qt::CaseInsensitive) == 0;
-}
+// What a word of the statement does to the scan.
+enum class Clave {
+    Condicion,  // WHERE
+    Asignacion, // SET
+    Valores,    // VALUES
+    Otra,       // a clause where literals stay: SELECT, FROM, ORDER, ... and AS
+    Patron,     // LIKE and its kin: the pattern stays
+    Conector,   // AND, OR, WHEN, ...: ends a pattern
+    NoSubir,    // the literal after it stays: INTERVAL 5 DAY, DATE '2024-01-01'
+    Tipo,       // a type whose sizes follow: DECIMAL(10, 2)
+};
 
-bool esPrimeraPalabra(QStringView p)
+struct Palabra
 {
-    return es(p, "SELECT") || es(p, "INSERT") || es(p, "UPDATE") || es(p, "DELETE") ||
-           es(p, "REPLACE");
+    std::string_view texto;
+    Clave clave;
+    bool inicia; // a statement the scanner follows starts with it
+};
+
+constexpr Palabra kPalabras[] = {
+    {"WHERE", Clave::Condicion, false},   {"SET", Clave::Asignacion, false},
+    {"VALUES", Clave::Valores, false},    {"VALUE", Clave::Valores, false},
+    {"SELECT", Clave::Otra, true},        {"INSERT", Clave::Otra, true},
+    {"UPDATE", Clave::Otra, true},        {"DELETE", Clave::Otra, true},
+    {"REPLACE", Clave::Otra, true},       {"FROM", Clave::Otra, false},
+    {"JOIN", Clave::Otra, false},         {"ON", Clave::Otra, false},
+    {"USING", Clave::Otra, false},        {"INTO", Clave::Otra, false},
+    {"GROUP", Clave::Otra, false},        {"ORDER", Clave::Otra, false},
+    {"HAVING", Clave::Otra, false},       {"LIMIT", Clave::Otra, false},
+    {"OFFSET", Clave::Otra, false},       {"UNION", Clave::Otra, false},
+    {"EXCEPT", Clave::Otra, false},       {"INTERSECT", Clave::Otra, false},
+    {"RETURNING", Clave::Otra, false},    {"WINDOW", Clave::Otra, false},
+    {"OVER", Clave::Otra, false},         {"AS", Clave::Otra, false},
+    {"PARTITION", Clave::Otra, false},    {"LIKE", Clave::Patron, false},
+    {"GLOB", Clave::Patron, false},       {"REGEXP", Clave::Patron, false},
+    {"RLIKE", Clave::Patron, false},      {"MATCH", Clave::Patron, false},
+    {"ESCAPE", Clave::Patron, false},     {"AND", Clave::Conector, false},
+    {"OR", Clave::Conector, false},       {"WHEN", Clave::Conector, false},
+    {"THEN", Clave::Conector, false},     {"ELSE", Clave::Conector, false},
+    {"END", Clave::Conector, false},      {"INTERVAL", Clave::NoSubir, false},
+    {"DATE", Clave::NoSubir, false},      {"TIME", Clave::NoSubir, false},
+    {"TIMESTAMP", Clave::NoSubir, false}, {"SEPARATOR", Clave::NoSubir, false},
+    {"DECIMAL", Clave::Tipo, false},      {"DEC", Clave::Tipo, false},
+    {"NUMERIC", Clave::Tipo, false},      {"CHAR", Clave::Tipo, false},
+    {"VARCHAR", Clave::Tipo, false},      {"FLOAT", Clave::Tipo, false},
+    {"DOUBLE", Clave::Tipo, false},       {"BINARY", Clave::Tipo, false},
+};
+
+// The word in capitals, looked up without building a string.
+const Palabra *palabraClave(QStringView p)
+{
+    constexpr qsizetype kMasLarga = 9;
+    if (p.size() < 2 || p.size() > kMasLarga)
+        return nullptr;
+    char mayusculas[kMasLarga];
+    for (qsizetype i = 0; i < p.size(); ++i) {
+        const char16_t c = p.at(i).unicode();
+        if (c >= u'a' && c <= u'z')
+            mayusculas[i] = char(c - u'a' + 'A');
+        else if (c < 128)
+            mayusculas[i] = char(c);
+        else
+            return nullptr;
+    }
+    if (mayusculas[0] < 'A' || mayusculas[0] > 'Z')
+        return nullptr;
+    // The words by their first letter, so that a lookup compares a few.
+    static const auto porLetra = [] {
+        std::array<QVarLengthArray<const Palabra *, 8>, 26> tabla;
+        for (const Palabra &k : kPalabras)
+            tabla[size_t(k.texto[0] - 'A')].append(&k);
+        return tabla;
+    }();
+    const std::string_view w(mayusculas, size_t(p.size()));
+    for (const Palabra *k : porLetra[size_t(mayusculas[0] - 'A')]) {
+        if (k->texto == w)
+            return k;
+    }
+    return nullptr;
 }
 
 // How many significant digits a decimal literal carries.
@@ -75,7 +155,6 @@ class Lector
 public:
     Lector(const QString &sql, Motor motor) : m_sql(sql), m_motor(motor)
     {
-        m_salida.reserve(sql.size());
         m_niveles.append(Nivel{});
     }
 
@@ -83,16 +162,23 @@ public:
     {
         const qsizetype n = m_sql.size();
         qsizetype i = 0;
+        qsizetype blancos = -1; // where the blanks before this token start
         while (i < n) {
             const QChar c = m_sql.at(i);
             if (c.isSpace()) {
-                m_blanco = true;
+                if (blancos < 0)
+                    blancos = i;
                 ++i;
                 continue;
             }
-            if (m_blanco && !m_salida.isEmpty())
-                m_salida += QLatin1Char(' ');
-            m_blanco = false;
+            if (blancos >= 0 && m_escrito) {
+                // One blank stays as it is; a run of them becomes one.
+                if (i - blancos == 1 && m_sql.at(blancos) == QLatin1Char(' '))
+                    copia(blancos, i);
+                else
+                    escribe(QLatin1Char(' '));
+            }
+            blancos = -1;
             const bool literalAntes = m_literalAntes;
             m_literalAntes = false;
             m_trasPunto = m_anterior == QLatin1Char('.');
@@ -120,6 +206,7 @@ public:
                 return false;
             }
         }
+        vuelca();
         return m_niveles.size() == 1;
     }
 
@@ -133,9 +220,36 @@ private:
         return nivel.clausula != Clausula::Otra && !nivel.patron && !m_noSubir;
     }
 
+    // What is copied as it is accumulates as one run of the original text and
+    // is written when something else must be written, or at the end.
     void copia(qsizetype desde, qsizetype hasta)
     {
-        m_salida += QStringView(m_sql).mid(desde, hasta - desde);
+        m_escrito = true;
+        if (m_desde >= 0 && m_hasta == desde) {
+            m_hasta = hasta;
+            return;
+        }
+        vuelca();
+        m_desde = desde;
+        m_hasta = hasta;
+    }
+    void vuelca()
+    {
+        if (m_desde < 0)
+            return;
+        if (m_salida.isEmpty() && m_desde == 0 && m_hasta == m_sql.size())
+            m_salida = m_sql; // nothing changed: shared, not copied
+        else
+            m_salida += QStringView(m_sql).mid(m_desde, m_hasta - m_desde);
+        m_desde = -1;
+    }
+    void escribe(QChar c)
+    {
+        vuelca();
+        if (m_salida.isEmpty())
+            m_salida.reserve(m_sql.size());
+        m_salida += c;
+        m_escrito = true;
     }
 
     // A quoted text; its quote is written twice inside it.
@@ -161,7 +275,7 @@ private:
                     if (dobles)
                         v.replace(QStringLiteral("''"), QStringLiteral("'"));
                     m_valores.append(std::move(v));
-                    m_salida += QLatin1Char('?');
+                    escribe(QLatin1Char('?'));
                 } else {
                     copia(desde, i);
                 }
@@ -227,7 +341,7 @@ private:
         }
         if (valor.isValid() && subible()) {
             m_valores.append(valor);
-            m_salida += QLatin1Char('?');
+            escribe(QLatin1Char('?'));
         } else {
             copia(desde, i);
         }
@@ -242,42 +356,42 @@ private:
             ++i;
         const QStringView p = QStringView(m_sql).mid(desde, i - desde);
         copia(desde, i);
+        const Palabra *clave = m_trasPunto ? nullptr : palabraClave(p);
         if (!m_primera) {
             m_primera = true;
-            if (!esPrimeraPalabra(p))
+            if (!clave || !clave->inicia)
                 return false;
         }
-        if (m_trasPunto)
+        m_noSubir = false;
+        if (!clave)
             return true;
         Nivel &nivel = m_niveles.last();
-        if (es(p, "WHERE")) {
+        switch (clave->clave) {
+        case Clave::Condicion:
             nivel = {Clausula::Condicion, false};
-        } else if (es(p, "SET")) {
+            break;
+        case Clave::Asignacion:
             nivel = {Clausula::Asignacion, false};
-        } else if (es(p, "VALUES") || es(p, "VALUE")) {
+            break;
+        case Clave::Valores:
             nivel = {Clausula::Valores, false};
-        } else if (es(p, "SELECT") || es(p, "FROM") || es(p, "JOIN") || es(p, "ON") ||
-                   es(p, "USING") || es(p, "INTO") || es(p, "UPDATE") || es(p, "GROUP") ||
-                   es(p, "ORDER") || es(p, "HAVING") || es(p, "LIMIT") || es(p, "OFFSET") ||
-                   es(p, "UNION") || es(p, "EXCEPT") || es(p, "INTERSECT") || es(p, "RETURNING") ||
-                   es(p, "WINDOW") || es(p, "OVER") || es(p, "AS") || es(p, "PARTITION")) {
-            // AS also ends a level inside CAST(x AS DECIMAL(10, 2)).
+            break;
+        case Clave::Otra: // AS also ends a level inside CAST(x AS DECIMAL(10, 2))
             nivel = {Clausula::Otra, false};
-        } else if (es(p, "LIKE") || es(p, "GLOB") || es(p, "REGEXP") || es(p, "RLIKE") ||
-                   es(p, "MATCH") || es(p, "ESCAPE")) {
+            break;
+        case Clave::Patron:
             nivel.patron = true;
-        } else if (es(p, "AND") || es(p, "OR") || es(p, "WHEN") || es(p, "THEN") || es(p, "ELSE") ||
-                   es(p, "END")) {
+            break;
+        case Clave::Conector:
             nivel.patron = false;
-        } else if (es(p, "INTERVAL") || es(p, "DATE") || es(p, "TIME") || es(p, "TIMESTAMP") ||
-                   es(p, "SEPARATOR")) {
-            m_noSubir = true; // INTERVAL 5 DAY, DATE '2024-01-01'
-            return true;
-        } else if (es(p, "DECIMAL") || es(p, "DEC") || es(p, "NUMERIC") || es(p, "CHAR") ||
-                   es(p, "VARCHAR") || es(p, "FLOAT") || es(p, "DOUBLE") || es(p, "BINARY")) {
-            m_tipo = true; // the sizes of a type, as in CONVERT(x, DECIMAL(10, 2))
+            break;
+        case Clave::NoSubir:
+            m_noSubir = true;
+            break;
+        case Clave::Tipo:
+            m_tipo = true;
+            break;
         }
-        m_noSubir = false;
         return true;
     }
 
@@ -301,7 +415,7 @@ private:
         } else if (c == QLatin1Char(',')) {
             m_niveles.last().patron = false;
         }
-        m_salida += c;
+        copia(i, i + 1);
         m_anterior = c;
         if (c != QLatin1Char('.'))
             m_noSubir = false;
@@ -313,7 +427,8 @@ private:
     Motor m_motor;
     QVarLengthArray<Nivel, 8> m_niveles;
     QChar m_anterior;
-    bool m_blanco = false;
+    bool m_escrito = false;
+    qsizetype m_desde = -1, m_hasta = -1;
     bool m_primera = false;
     bool m_literalAntes = false;
     bool m_noSubir = false;

@@ -28,7 +28,8 @@ public:
     bool ejecuta(const QVariantList &valores, RecordsetPtr *filas, ResultadoAccion *accion,
                  FalloSql &fallo) override
     {
-        sqlite3_reset(m_st);
+        if (sqlite3_stmt_busy(m_st)) // every way out resets it; this is the guard
+            sqlite3_reset(m_st);
         const int marcas = sqlite3_bind_parameter_count(m_st);
         if (marcas != valores.size()) {
             fallo = {QStringLiteral("Parameter count mismatch"), SQLITE_RANGE};
@@ -41,6 +42,8 @@ public:
                 return falla(fallo);
         }
         QList<QVariantList> leidas;
+        if (filas)
+            leidas.reserve(4);
         int rc;
         while ((rc = sqlite3_step(m_st)) == SQLITE_ROW) {
             if (filas)
@@ -75,19 +78,39 @@ private:
     int enlazaTexto(int i, QStringView texto)
     {
         std::string &b = m_textos[size_t(i)];
-        b.resize(size_t(m_utf8.requiredSpace(texto.size())));
-        char *fin = m_utf8.appendToBuffer(b.data(), texto);
-        return sqlite3_bind_text(m_st, i + 1, b.data(), int(fin - b.data()), SQLITE_STATIC);
+        const qsizetype n = texto.size();
+        b.resize(size_t(n));
+        // Codes and numbers are plain ASCII: copied byte for byte.
+        for (qsizetype k = 0; k < n; ++k) {
+            const char16_t c = texto.at(k).unicode();
+            if (c >= 0x80) {
+                b.resize(size_t(m_utf8.requiredSpace(n)));
+                char *fin = m_utf8.appendToBuffer(b.data(), texto);
+                b.resize(size_t(fin - b.data()));
+                break;
+            }
+            b[size_t(k)] = char(c);
+        }
+        return sqlite3_bind_text(m_st, i + 1, b.data(), int(b.size()), SQLITE_STATIC);
     }
 
-    // The values bound as the driver binds them.
+    // The values bound as the driver binds them, null where the driver takes a
+    // value for null: an empty variant, a null text, date or byte array, an
+    // invalid time or date and time.
     int enlaza(int i, const QVariant &v)
     {
+        const int n = i + 1;
         if (!v.isValid() || v.isNull())
-            return sqlite3_bind_null(m_st, i + 1);
+            return sqlite3_bind_null(m_st, n);
+        const void *d = v.constData();
         switch (v.typeId()) {
-        case QMetaType::Bool:
         case QMetaType::Int:
+            return sqlite3_bind_int64(m_st, n, *static_cast<const int *>(d));
+        case QMetaType::LongLong:
+            return sqlite3_bind_int64(m_st, n, *static_cast<const qlonglong *>(d));
+        case QMetaType::Double:
+            return sqlite3_bind_double(m_st, n, *static_cast<const double *>(d));
+        case QMetaType::Bool:
         case QMetaType::Short:
         case QMetaType::UShort:
         case QMetaType::Char:
@@ -95,26 +118,45 @@ private:
         case QMetaType::UChar:
         case QMetaType::UInt:
         case QMetaType::Long:
-        case QMetaType::LongLong:
-            return sqlite3_bind_int64(m_st, i + 1, v.toLongLong());
+            return sqlite3_bind_int64(m_st, n, v.toLongLong());
         case QMetaType::ULong:
         case QMetaType::ULongLong:
-            return sqlite3_bind_int64(m_st, i + 1, qint64(v.toULongLong()));
-        case QMetaType::Double:
+            return sqlite3_bind_int64(m_st, n, qint64(v.toULongLong()));
         case QMetaType::Float:
-            return sqlite3_bind_double(m_st, i + 1, v.toDouble());
+            return sqlite3_bind_double(m_st, n, v.toDouble());
         case QMetaType::QByteArray: {
-            const QByteArray b = v.toByteArray();
-            return sqlite3_bind_blob(m_st, i + 1, b.constData(), int(b.size()), SQLITE_TRANSIENT);
+            const QByteArray &b = *static_cast<const QByteArray *>(d);
+            if (b.isNull())
+                return sqlite3_bind_null(m_st, n);
+            return sqlite3_bind_blob(m_st, n, b.constData(), int(b.size()), SQLITE_TRANSIENT);
         }
         case QMetaType::QString: {
-            const QString &t = *static_cast<const QString *>(v.constData());
-            return enlazaTexto(i, t);
+            const QString &t = *static_cast<const QString *>(d);
+            return t.isNull() ? sqlite3_bind_null(m_st, n) : enlazaTexto(i, t);
         }
-        case QMetaType::QDateTime:
-            return enlazaTexto(i, v.toDateTime().toString(Qt::ISODateWithMs));
-        case QMetaType::QTime:
-            return enlazaTexto(i, v.toTime().toString(QStringLiteral("hh:mm:ss.zzz")));
+        case QMetaType::QDate: {
+            const QDate &fecha = *static_cast<const QDate *>(d);
+            if (fecha.isNull())
+                return sqlite3_bind_null(m_st, n);
+            // One posting after another carries the same date: its text is kept.
+            if (fecha != m_fecha || m_textoFecha.isEmpty()) {
+                m_fecha = fecha;
+                m_textoFecha = fecha.toString(Qt::ISODate);
+            }
+            return enlazaTexto(i, m_textoFecha);
+        }
+        case QMetaType::QDateTime: {
+            const QDateTime &t = *static_cast<const QDateTime *>(d);
+            if (!t.isValid())
+                return sqlite3_bind_null(m_st, n);
+            return enlazaTexto(i, t.toString(Qt::ISODateWithMs));
+        }
+        case QMetaType::QTime: {
+            const QTime &t = *static_cast<const QTime *>(d);
+            if (!t.isValid())
+                return sqlite3_bind_null(m_st, n);
+            return enlazaTexto(i, t.toString(QStringLiteral("hh:mm:ss.zzz")));
+        }
         default:
             return enlazaTexto(i, v.toString());
         }
@@ -179,6 +221,8 @@ private:
     std::vector<std::string> m_textos;
     std::vector<const char *> m_punteros;
     QStringList m_columnas;
+    QDate m_fecha;
+    QString m_textoFecha;
 };
 
 } // namespace
@@ -188,9 +232,15 @@ void *manejadorSQLite(const QSqlDatabase &db)
     const QSqlDriver *driver = db.driver();
     if (!driver || !driver->isOpen())
         return nullptr;
+    // The driver registers the handle's type on first use: it is recognised
+    // by name once, then by the type itself.
+    static QMetaType tipo;
     const QVariant h = driver->handle();
-    if (!h.isValid() || qstrcmp(h.typeName(), "sqlite3*") != 0)
-        return nullptr;
+    if (h.metaType() != tipo) {
+        if (!h.isValid() || qstrcmp(h.typeName(), "sqlite3*") != 0)
+            return nullptr;
+        tipo = h.metaType();
+    }
     return *static_cast<sqlite3 *const *>(h.constData());
 }
 

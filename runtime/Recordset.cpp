@@ -12,11 +12,6 @@ namespace zuvi {
 Recordset::Recordset(QStringList columns, QList<QVariantList> rows)
     : m_columns(std::move(columns)), m_rows(std::move(rows))
 {
-    for (int i = 0; i < m_columns.size(); ++i) {
-        const QString key = m_columns.at(i).toLower();
-        if (!m_index.contains(key)) // the first of two equal names wins, as in a join
-            m_index.insert(key, i);
-    }
 }
 
 std::shared_ptr<Recordset> Recordset::fromQuery(QSqlQuery &query)
@@ -50,9 +45,43 @@ bool Recordset::hasField(const QString &name) const
     return indexOf(name) >= 0;
 }
 
+namespace {
+
+// Equal names regardless of case; plain ASCII is compared in place, anything
+// else by Qt's case folding.
+bool mismoNombre(const QString &a, const QString &b)
+{
+    if (a.size() != b.size())
+        return false;
+    const char16_t *x = reinterpret_cast<const char16_t *>(a.constData());
+    const char16_t *y = reinterpret_cast<const char16_t *>(b.constData());
+    for (qsizetype i = 0; i < a.size(); ++i) {
+        char16_t c = x[i], d = y[i];
+        if (c == d)
+            continue;
+        if (c >= 128 || d >= 128)
+            return a.compare(b, Qt::CaseInsensitive) == 0;
+        if (c >= u'A' && c <= u'Z')
+            c = char16_t(c + 32);
+        if (d >= u'A' && d <= u'Z')
+            d = char16_t(d + 32);
+        if (c != d)
+            return false;
+    }
+    return true;
+}
+
+} // namespace
+
 int Recordset::indexOf(const QString &name) const
 {
-    return m_index.value(name.toLower(), -1);
+    // A few columns, compared in place: cheaper than lowering the name for a
+    // hash on every lookup. The first of two equal names wins, as in a join.
+    for (qsizetype i = 0; i < m_columns.size(); ++i) {
+        if (mismoNombre(m_columns.at(i), name))
+            return int(i);
+    }
+    return -1;
 }
 
 int Recordset::requireIndex(const QString &name) const

@@ -56,7 +56,6 @@ private:
     int requireIndex(const QString &name) const;
 
     QStringList m_columns;
-    QHash<QString, int> m_index; // lower-case name -> ordinal
     QList<QVariantList> m_rows;
     qsizetype m_position = 0;
 };

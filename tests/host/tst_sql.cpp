@@ -260,11 +260,21 @@ private slots:
         ponTraza(traza.fileName());
         auto apaga = qScopeGuard([] { ponTraza(QString()); });
         QStringList esperadas;
-        for (int i = 0; i < 600; ++i) { // more texts than statements are kept
+        for (int i = 0; i < 600; ++i) { // one statement for all of them
             const QString sql =
                 QStringLiteral("SELECT COUNT( * ) FROM  oppart WHERE op = %1").arg(i);
             QCOMPARE(consulta(db, sql)->number(0), i == 1 ? 2.0 : i == 2 ? 1.0 : 0.0);
             esperadas << sql;
+        }
+        // A literal in the select list stays: each text is a statement of its
+        // own, more than are kept, so the first ones are prepared again.
+        for (int vuelta = 0; vuelta < 2; ++vuelta) {
+            for (int i = 0; i < 300; i += vuelta ? 100 : 1) {
+                const QString sql =
+                    QStringLiteral("SELECT %1 + COUNT( * ) FROM oppart WHERE op = 1").arg(i);
+                QCOMPARE(consulta(db, sql)->number(0), i + 2.0);
+                esperadas << sql;
+            }
         }
         const QString mala = QStringLiteral("SELECT * FROM nada WHERE op = 'x'");
         try {
@@ -318,6 +328,18 @@ private slots:
         QVERIFY(rs->isNull("fecha"));
         QCOMPARE(ejecutaAccion(db, "UPDATE movimientos SET importe = 3 WHERE almacen = 2").filas,
                  1);
+        // A null text, date or time is bound as NULL, as the driver binds it;
+        // an empty text stays a text.
+        const QVariantList nulos{QString(), QVariant(QMetaType::fromType<QDate>()), QString(""),
+                                 r.ultimoId};
+        ejecutaAccion(db, "UPDATE movimientos SET concepto = ?, fecha = ?, folio = ? WHERE id = ?",
+                      nulos);
+        const RecordsetPtr n = consulta(
+            db, "SELECT concepto, fecha, folio FROM movimientos WHERE id = ?", {r.ultimoId});
+        QVERIFY(n->isNull("concepto"));
+        QVERIFY(n->isNull("fecha"));
+        QVERIFY(!n->isNull("folio"));
+        QCOMPARE(n->text("folio"), QString());
     }
 };
 

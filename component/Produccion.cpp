@@ -44,6 +44,5 @@ void Produccion::SetAmbienteObjeto(QObject *ambiente)
 void Produccion::NuevaOp() {}
 void Produccion::ModificaOp(qint32) {}
 void Produccion::ConsultaOp(qint32) {}
-void Produccion::MuestraTurnos() {}
 
 } // namespace zuvi

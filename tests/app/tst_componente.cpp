@@ -74,7 +74,9 @@ private slots:
         const QHash<QString, QString> reportes = {
             {"Ensamble", "Module: Produccion\r\nFunction: Ensamble"},
             {"Desensamble", "Module: Produccion\r\nFunction: Desensamble"},
-            {"MuestraCapturaDeFracciones", "Module: frmFracciones\r\nFunction: Form_Load"}};
+            {"MuestraCapturaDeFracciones", "Module: frmFracciones\r\nFunction: Form_Load"},
+            {"MuestraTurnos", "Module: frmTurnos\r\nFunction: LLenaTurnos|Module: frmTurnos\r\n"
+                              "Function: Form_Load"}};
         QStringList miembros, textos;
         auto restaura = qScopeGuard([] { setReportSink({}); });
         setReportSink([&](QString, const QString &x) { textos << x.section("\r\n", 1, 2); });

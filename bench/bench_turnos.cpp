@@ -10,7 +10,8 @@
 //     statement.
 //
 // The medians are printed and, last, "ratio listas: R" and "ratio
-// TURNOS003: R" (module and host over bare).
+// TURNOS003: R" (module and host over bare, wall time; the same ratio of the
+// thread's CPU time follows in parentheses, steadier on a shared machine).
 //
 // Usage: bench_turnos [runs=5] [folder for the database files]
 
@@ -37,6 +38,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <ctime>
 #include <vector>
 
 using namespace zuvi;
@@ -124,9 +126,28 @@ QString copia(const QString &plantilla, const QDir &dir, int n)
 
 struct Medida
 {
-    double ms = 0;
+    double ms = 0;        // wall time
+    double cpu = 0;       // CPU time of this thread, steadier on a busy machine
     long long cuenta = 0; // items left / rows written, to check both did the same
 };
+
+double cpuMs()
+{
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return t.tv_sec * 1e3 + t.tv_nsec / 1e6;
+}
+
+// Wall and CPU time of f.
+template <typename F> void mide(Medida &m, F &&f)
+{
+    QElapsedTimer t;
+    const double c = cpuMs();
+    t.start();
+    f();
+    m.ms = t.nsecsElapsed() / 1e6;
+    m.cpu = cpuMs() - c;
+}
 
 // (a) through the window's own procedures.
 Medida listasDelModulo(const QString &ruta)
@@ -142,12 +163,11 @@ Medida listasDelModulo(const QString &ruta)
         editor.Modo = QStringLiteral("MODIFICACION");
         editor.Turno = QStringLiteral("BENCH");
         editor.cmbFields(0)->setEditText(QStringLiteral("BENCH"));
-        QElapsedTimer t;
-        t.start();
-        editor.LLenaEmpleados();
-        editor.LLenaEmpleadosTurno();
-        editor.RemueveEnTurno();
-        m.ms = t.nsecsElapsed() / 1e6;
+        mide(m, [&] {
+            editor.LLenaEmpleados();
+            editor.LLenaEmpleadosTurno();
+            editor.RemueveEnTurno();
+        });
         m.cuenta = editor.lv(0)->cuenta() * 100000LL + editor.lv(1)->cuenta();
     }
     modulo::reinicia();
@@ -179,6 +199,7 @@ Medida listasBare(const QString &ruta)
         libres.setColumnCount(2);
         miembros.setColumnCount(2);
         QHash<QString, QTreeWidgetItem *> porClave;
+        const double c = cpuMs();
         QElapsedTimer t;
         t.start();
         const auto llena = [&](QTreeWidget &lista, const char *cuenta, const char *filas,
@@ -209,6 +230,7 @@ Medida listasBare(const QString &ruta)
             delete porClave.take(QStringLiteral("P") + QString::fromStdString(columna(todos, 1)));
         sqlite3_finalize(todos);
         m.ms = t.nsecsElapsed() / 1e6;
+        m.cpu = cpuMs() - c;
         m.cuenta = libres.topLevelItemCount() * 100000LL + miembros.topLevelItemCount();
     }
     sqlite3_close(db);
@@ -241,10 +263,7 @@ Medida generacionDelAnfitrion(const QString &ruta)
     a.objeto = &ventana;
     a.ambiente = s->ambiente();
     Medida m;
-    QElapsedTimer t;
-    t.start();
-    anfitrion::manejadorProceso(a.proceso)(a);
-    m.ms = t.nsecsElapsed() / 1e6;
+    mide(m, [&] { anfitrion::manejadorProceso(a.proceso)(a); });
     QSqlQuery q(s->conexion());
     ejecuta(q, "SELECT COUNT(*) FROM horarios");
     q.next();
@@ -258,6 +277,7 @@ Medida generacionBare(const QString &ruta)
     sqlite3 *db = nullptr;
     sqlite3_open(ruta.toUtf8().constData(), &db);
     Medida m;
+    const double c = cpuMs();
     QElapsedTimer t;
     t.start();
     std::vector<std::string> miembros;
@@ -290,6 +310,7 @@ Medida generacionBare(const QString &ruta)
     sqlite3_finalize(ins);
     sqlite3_exec(db, "COMMIT", nullptr, nullptr, nullptr);
     m.ms = t.nsecsElapsed() / 1e6;
+    m.cpu = cpuMs() - c;
     sqlite3_close(db);
     return m;
 }
@@ -317,7 +338,7 @@ int main(int argc, char **argv)
         QFile::remove(plantilla);
         creaPlantilla(plantilla);
 
-        std::vector<double> listas, listasB, gen, genB;
+        std::vector<double> listas, listasB, gen, genB, cListas, cListasB, cGen, cGenB;
         for (int i = 0; i < corridas; ++i) {
             const Medida a = listasDelModulo(copia(plantilla, dir, 1));
             const Medida b = listasBare(copia(plantilla, dir, 2));
@@ -333,16 +354,24 @@ int main(int argc, char **argv)
             listasB.push_back(b.ms);
             gen.push_back(c.ms);
             genB.push_back(d.ms);
+            cListas.push_back(a.cpu);
+            cListasB.push_back(b.cpu);
+            cGen.push_back(c.cpu);
+            cGenB.push_back(d.cpu);
             std::printf("corrida %d: listas %.1f ms (bare %.1f), TURNOS003 %.1f ms (bare %.1f), "
                         "%lld horarios\n",
                         i + 1, a.ms, b.ms, c.ms, d.ms, c.cuenta);
         }
         if (silencio->errores)
             throw Error(QStringLiteral("Hubo %1 reportes de error").arg(silencio->errores));
-        std::printf("listas: mediana %.1f ms, bare %.1f ms\n", mediana(listas), mediana(listasB));
-        std::printf("TURNOS003: mediana %.1f ms, bare %.1f ms\n", mediana(gen), mediana(genB));
-        std::printf("ratio listas: %.2f\n", mediana(listas) / mediana(listasB));
-        std::printf("ratio TURNOS003: %.2f\n", mediana(gen) / mediana(genB));
+        std::printf("listas: mediana %.1f ms (CPU %.1f), bare %.1f ms (CPU %.1f)\n",
+                    mediana(listas), mediana(cListas), mediana(listasB), mediana(cListasB));
+        std::printf("TURNOS003: mediana %.1f ms (CPU %.1f), bare %.1f ms (CPU %.1f)\n",
+                    mediana(gen), mediana(cGen), mediana(genB), mediana(cGenB));
+        std::printf("ratio listas: %.2f (CPU %.2f)\n", mediana(listas) / mediana(listasB),
+                    mediana(cListas) / mediana(cListasB));
+        std::printf("ratio TURNOS003: %.2f (CPU %.2f)\n", mediana(gen) / mediana(genB),
+                    mediana(cGen) / mediana(cGenB));
     } catch (...) {
         std::fprintf(stderr, "bench_turnos: %s\n", qUtf8Printable(describeCurrentException()));
         return 1;

@@ -2,7 +2,10 @@
 
 #include "runtime/Error.h"
 
+#include <QCoreApplication>
+#include <QElapsedTimer>
 #include <QHeaderView>
+#include <QProgressBar>
 
 namespace zuvi {
 
@@ -57,14 +60,23 @@ QString Lista::tituloColumna(int indice) const
 
 QTreeWidgetItem *Lista::agrega(const QString &clave, const QString &texto)
 {
-    if (m_porClave.contains(clave))
+    return agrega(clave, texto, {});
+}
+
+QTreeWidgetItem *Lista::agrega(const QString &clave, const QString &texto,
+                               const QStringList &subElementos)
+{
+    QTreeWidgetItem *&lugar = m_porClave[clave];
+    if (lugar)
         throw Error(QStringLiteral("La clave \"%1\" no es única en la colección.").arg(clave),
                     35602);
     auto *elemento = new QTreeWidgetItem;
     elemento->setText(0, texto);
     elemento->setData(0, Qt::UserRole, clave);
+    for (int i = 0; i < subElementos.size(); ++i)
+        elemento->setText(i + 1, subElementos.at(i));
+    lugar = elemento;
     addTopLevelItem(elemento);
-    m_porClave.insert(clave, elemento);
     return elemento;
 }
 
@@ -114,6 +126,28 @@ void Lista::selecciona(QTreeWidgetItem *elemento)
         return;
     setCurrentItem(elemento);
     elemento->setSelected(true);
+}
+
+void Lista::dejaCorrerEventos()
+{
+    // Often enough for input and painting to feel immediate.
+    constexpr qint64 kIntervaloMs = 15;
+    static QElapsedTimer reloj;
+    if (reloj.isValid() && reloj.elapsed() < kIntervaloMs)
+        return;
+    QCoreApplication::processEvents();
+    reloj.start();
+}
+
+void Lista::avanzaBarra(QProgressBar *barra, int valor)
+{
+    if (!barra)
+        return;
+    const qint64 pasos = qint64(barra->maximum()) - barra->minimum();
+    const qint64 pixeles = qMax(1, barra->width());
+    const qint64 cada = qMax<qint64>(1, pasos / pixeles);
+    if (valor >= barra->maximum() || (valor - barra->minimum()) % cada == 0)
+        barra->setValue(valor);
 }
 
 bool Lista::quita(const QString &clave)

@@ -16,6 +16,8 @@
 #include <QStringList>
 #include <QTreeWidget>
 
+class QProgressBar;
+
 namespace zuvi {
 
 class ZUVI_CONTROLES_EXPORT Lista : public QTreeWidget
@@ -44,6 +46,10 @@ public:
 
     // Items. agrega() throws Error for a key already in the list.
     QTreeWidgetItem *agrega(const QString &clave, const QString &texto);
+    // The same with sub-items 1..n set before the item shows: a long fill
+    // then costs the list no repaint per sub-item.
+    QTreeWidgetItem *agrega(const QString &clave, const QString &texto,
+                            const QStringList &subElementos);
     static void ponSubElemento(QTreeWidgetItem *elemento, int indice, const QString &texto);
     static QString subElemento(const QTreeWidgetItem *elemento, int indice);
     static QString clave(const QTreeWidgetItem *elemento);
@@ -56,6 +62,15 @@ public:
     QTreeWidgetItem *seleccionado() const;
     QString claveSeleccionada() const;
     void selecciona(QTreeWidgetItem *elemento);
+
+    // Lets pending events run between the rows of a long fill, so the
+    // program answers meanwhile: a row costs no more than the row itself,
+    // since the event loop is visited at most every few milliseconds.
+    static void dejaCorrerEventos();
+    // Puts a fill's row counter into its progress bar when the bar would show
+    // it: every row of a short fill, on each new pixel of a long one, and the
+    // last row always.
+    static void avanzaBarra(QProgressBar *barra, int valor);
 
     // Removes the item with that key; false when there is none.
     bool quita(const QString &clave);

@@ -4,7 +4,9 @@
 #include "host/procesos/Turnos.h"
 #include "runtime/Error.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QFont>
 #include <QFontMetricsF>
 #include <QLocale>
@@ -270,6 +272,7 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
 
 void escribeRolMesPdf(const RolMes &rol, const QString &archivo)
 {
+    QFileInfo(archivo).dir().mkpath(QStringLiteral("."));
     {
         QFile prueba(archivo);
         if (!prueba.open(QIODevice::WriteOnly))

@@ -8,10 +8,22 @@
 #include "shifts/SentenciasTurnos.h"
 
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QProgressBar>
 
 namespace zuvi {
+
+namespace {
+
+// The position of a column, or the error reading it by name would give.
+int columna(const Recordset &rs, const QString &nombre)
+{
+    const int i = rs.indexOf(nombre);
+    if (i < 0)
+        rs.value(nombre); // raises the recordset's own error for a missing column
+    return i;
+}
+
+} // namespace
 
 void frmTurno::llenaEmpleados(Lista *lista, const QString &cuenta, const QString &filas)
 {
@@ -29,14 +41,15 @@ void frmTurno::llenaEmpleados(Lista *lista, const QString &cuenta, const QString
     if (total > 0)
         ProgressBar1->setMaximum(int(total));
     int contador = 0;
-    const QString empleado = QStringLiteral("Empleado");
-    const QString nombre = QStringLiteral("Nombre");
+    // The columns by name once, then by position for every row.
+    const int empleado = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("Empleado"));
+    const int nombre = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("Nombre"));
+    const QString p = QStringLiteral("P");
     while (!rs->atEnd()) {
-        ProgressBar1->setValue(++contador);
+        Lista::avanzaBarra(ProgressBar1, ++contador);
         const QString clave = Trim(rs->text(empleado));
-        QTreeWidgetItem *elemento = lista->agrega(QStringLiteral("P") + clave, clave);
-        Lista::ponSubElemento(elemento, 1, Trim(rs->text(nombre)));
-        QCoreApplication::processEvents();
+        lista->agrega(p + clave, clave, {Trim(rs->text(nombre))});
+        Lista::dejaCorrerEventos();
         rs->moveNext();
     }
     ProgressBar1->setValue(0);
@@ -60,8 +73,9 @@ void frmTurno::RemueveEnTurno()
     atrapa(QStringLiteral("RemueveEnTurno"), [this] {
         RecordsetPtr rs = modulo::accesoDatos()->Consulta(
             turnos::selectTodosLosMiembros(), modulo::requiere(Ambiente)->Conexion(), VTrue);
+        const int empleado = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("empleado"));
         while (!rs->atEnd()) {
-            Remueve(QStringLiteral("P") + Trim(rs->text(QStringLiteral("empleado"))));
+            Remueve(QStringLiteral("P") + Trim(rs->text(empleado)));
             rs->moveNext();
         }
     });
@@ -91,8 +105,7 @@ void frmTurno::mueveUno(Lista *de, Lista *a)
     }
     const QString clave = Lista::clave(seleccionado);
     const int fila = de->indexOfTopLevelItem(seleccionado);
-    QTreeWidgetItem *nuevo = a->agrega(clave, seleccionado->text(0));
-    Lista::ponSubElemento(nuevo, 1, Lista::subElemento(seleccionado, 1));
+    a->agrega(clave, seleccionado->text(0), {Lista::subElemento(seleccionado, 1)});
     if (de == lv(0))
         Remueve(clave);
     else
@@ -106,8 +119,7 @@ void frmTurno::mueveTodos(Lista *de, Lista *a)
 {
     for (int i = 1; i <= de->cuenta(); ++i) {
         QTreeWidgetItem *origen = de->elemento(i);
-        QTreeWidgetItem *nuevo = a->agrega(Lista::clave(origen), origen->text(0));
-        Lista::ponSubElemento(nuevo, 1, Lista::subElemento(origen, 1));
+        a->agrega(Lista::clave(origen), origen->text(0), {Lista::subElemento(origen, 1)});
     }
     de->limpia();
 }

@@ -90,14 +90,14 @@ void frmTurnos::LLenaTurnos()
             ProgressBar1->setMaximum(int(total));
         int contador = 0;
         while (!rs->atEnd()) {
-            ProgressBar1->setValue(++contador);
+            Lista::avanzaBarra(ProgressBar1, ++contador);
             const QString turno = rs->text(QStringLiteral("Turno"));
-            QTreeWidgetItem *elemento = lista->agrega(QStringLiteral("P") + turno, turno);
-            Lista::ponSubElemento(elemento, 1, Trim(rs->text(QStringLiteral("Entrada"))));
-            Lista::ponSubElemento(elemento, 2, Trim(rs->text(QStringLiteral("comida"))));
-            Lista::ponSubElemento(elemento, 3, Trim(rs->text(QStringLiteral("regcomida"))));
-            Lista::ponSubElemento(elemento, 4, Trim(rs->text(QStringLiteral("Salida"))));
-            QCoreApplication::processEvents();
+            lista->agrega(QStringLiteral("P") + turno, turno,
+                          {Trim(rs->text(QStringLiteral("Entrada"))),
+                           Trim(rs->text(QStringLiteral("comida"))),
+                           Trim(rs->text(QStringLiteral("regcomida"))),
+                           Trim(rs->text(QStringLiteral("Salida")))});
+            Lista::dejaCorrerEventos();
             rs->moveNext();
         }
         ProgressBar1->setValue(0);

@@ -42,16 +42,15 @@ void frmTurnos::LLenaHorarios()
             ProgressBar1->setMaximum(int(total));
         int contador = 0;
         while (!rs->atEnd()) {
-            ProgressBar1->setValue(++contador);
+            Lista::avanzaBarra(ProgressBar1, ++contador);
             const QString id = rs->text(QStringLiteral("Id"));
-            QTreeWidgetItem *elemento = lista->agrega(QStringLiteral("P") + id, id);
-            Lista::ponSubElemento(
-                elemento, 1, Trim(turnos::formatoFecha(rs->value(QStringLiteral("Empleado")))));
-            Lista::ponSubElemento(elemento, 2, Trim(rs->text(QStringLiteral("Fecha"))));
-            Lista::ponSubElemento(elemento, 3, Trim(rs->text(QStringLiteral("HoraEntrada"))));
-            Lista::ponSubElemento(elemento, 4, Trim(rs->text(QStringLiteral("comida"))));
-            Lista::ponSubElemento(elemento, 5, Trim(rs->text(QStringLiteral("HoraSalida"))));
-            QCoreApplication::processEvents();
+            lista->agrega(QStringLiteral("P") + id, id,
+                          {Trim(turnos::formatoFecha(rs->value(QStringLiteral("Empleado")))),
+                           Trim(rs->text(QStringLiteral("Fecha"))),
+                           Trim(rs->text(QStringLiteral("HoraEntrada"))),
+                           Trim(rs->text(QStringLiteral("comida"))),
+                           Trim(rs->text(QStringLiteral("HoraSalida")))});
+            Lista::dejaCorrerEventos();
             rs->moveNext();
         }
         ProgressBar1->setValue(0);

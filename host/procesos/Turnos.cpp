@@ -131,9 +131,8 @@ void generaDesdeVentana(ArgumentosProceso &a)
     }
 
     std::unique_ptr<IndicadorProgreso> progreso;
-    const auto avance = [&](int hecho, int total) {
-        const qint64 dias = periodo.desde.daysTo(periodo.hasta) + 1;
-        if (!progreso && qint64(total) * dias >= kFilasConProgreso) {
+    const auto avance = [&](int hecho, int total, int filas) {
+        if (!progreso && filas >= kFilasConProgreso) {
             progreso = interaccion().progreso();
             progreso->inicia(total, QStringLiteral("Generando horarios"), QString());
         }
@@ -201,14 +200,13 @@ int diaDescanso(const QString &nombre)
 
 ResultadoHorarios generaHorarios(const QSqlDatabase &db, const QStringList &turnos,
                                  const Periodo &periodo,
-                                 const std::function<void(int, int)> &avance)
+                                 const std::function<void(int, int, int)> &avance)
 {
     if (!periodo.desde.isValid() || !periodo.hasta.isValid() || periodo.hasta < periodo.desde)
         throw Error(QStringLiteral("El periodo de los horarios no es válido."));
 
     ResultadoHorarios r;
     QList<Turno> leidos;
-    int total = 0;
     for (const QString &clave : turnos) {
         RecordsetPtr rs = lee(db,
                               QStringLiteral("SELECT turno, entrada, comida, salida, descanso "
@@ -225,7 +223,6 @@ ResultadoHorarios generaHorarios(const QSqlDatabase &db, const QStringList &turn
             t.miembros << m->text(0);
         if (t.miembros.isEmpty())
             r.sinEmpleados << t.turno;
-        total += int(t.miembros.size());
         leidos << t;
     }
 
@@ -235,24 +232,35 @@ ResultadoHorarios generaHorarios(const QSqlDatabase &db, const QStringList &turn
             if (d.dayOfWeek() != descanso)
                 laborables[descanso] << d;
 
-    const QString borra =
-        QStringLiteral("DELETE FROM horarios WHERE Empleado = ? AND fecha >= ? AND fecha <= ?");
-    const QString inserta =
-        QStringLiteral("INSERT INTO horarios (turno, fecha, Empleado, HoraEntrada, comida, "
-                       "HoraSalida) VALUES (?, ?, ?, ?, ?, ?)");
+    // The members' rows in the period go first; then each working date is
+    // one statement that writes the row of every member, so a month of
+    // thousands of employees is a few dozen statements.
+    const QString borra = QStringLiteral(
+        "DELETE FROM horarios WHERE fecha >= ? AND fecha <= ? AND Empleado IN (SELECT empleado "
+        "FROM turnoempleado WHERE turno = ?)");
+    const QString inserta = QStringLiteral(
+        "INSERT INTO horarios (turno, fecha, Empleado, HoraEntrada, comida, HoraSalida) SELECT "
+        "turnos.turno, ?, turnoempleado.empleado, turnos.entrada, turnos.comida, turnos.salida "
+        "FROM turnoempleado INNER JOIN turnos ON turnos.turno = turnoempleado.turno WHERE "
+        "turnoempleado.turno = ?");
+    int totalDias = 0;
+    int previstas = 0;
+    for (const Turno &t : std::as_const(leidos)) {
+        totalDias += t.miembros.isEmpty() ? 0 : int(laborables[t.descanso].size());
+        previstas += int(t.miembros.size() * laborables[t.descanso].size());
+    }
     Transaccion transaccion(db);
     int hecho = 0;
     for (const Turno &t : std::as_const(leidos)) {
-        for (const QString &empleado : t.miembros) {
-            accion(db, borra, {empleado, periodo.desde, periodo.hasta});
-            for (const QDate &d : laborables[t.descanso]) {
-                accion(db, inserta, {t.turno, d, empleado, t.entrada, t.comida, t.salida});
-                ++r.filas;
-            }
-            ++r.empleados;
+        if (t.miembros.isEmpty())
+            continue;
+        accion(db, borra, {periodo.desde, periodo.hasta, t.turno});
+        for (const QDate &d : laborables[t.descanso]) {
+            r.filas += accion(db, inserta, {d, t.turno}).filas;
             if (avance)
-                avance(++hecho, total);
+                avance(++hecho, totalDias, previstas);
         }
+        r.empleados += int(t.miembros.size());
     }
     transaccion.confirma();
     return r;

@@ -37,10 +37,11 @@ struct ResultadoHorarios
 // Writes the schedules of the shifts for the period in one transaction. An
 // employee keeps one schedule per date: the rows the employee had in the
 // period are replaced, so running it twice leaves the same rows. avance, when
-// given, is called after each employee with the count so far and the total.
+// given, is called after each date of each shift with the count so far, the
+// total and the rows the run writes.
 // Throws Error and leaves nothing written when any statement fails.
-ResultadoHorarios generaHorarios(const QSqlDatabase &db, const QStringList &turnos,
-                                 const Periodo &periodo,
-                                 const std::function<void(int hecho, int total)> &avance = {});
+ResultadoHorarios
+generaHorarios(const QSqlDatabase &db, const QStringList &turnos, const Periodo &periodo,
+               const std::function<void(int hecho, int total, int filas)> &avance = {});
 
 } // namespace zuvi::anfitrion

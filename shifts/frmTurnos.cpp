@@ -132,6 +132,11 @@ void frmTurnos::abreEditor(const QString &modo, const QString &turno)
     editor->muestra(true);
     LLenaTurnos();
     LLenaHorarios();
+    // The editor handed the focus to the main window as it closed; the user
+    // goes on in the catalogue.
+    raise();
+    activateWindow();
+    lv(0)->setFocus(Qt::OtherFocusReason);
 }
 
 void frmTurnos::cmdEliminar_Click()

@@ -3,6 +3,7 @@
 // failure that leaves nothing. Runs on SQLite and again on MariaDB.
 
 #include "host/Anfitrion.h"
+#include "host/RolMes.h"
 #include "host/Sql.h"
 #include "host/procesos/Turnos.h"
 #include "runtime/Error.h"
@@ -15,6 +16,7 @@
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSqlRecord>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidget>
 #include <QVBoxLayout>
@@ -198,6 +200,70 @@ private Q_SLOTS:
         QCOMPARE(m_guion->mensajes().first().texto,
                  QStringLiteral("El turno «VACIO» no tiene empleados: no se generó ningún "
                                 "horario."));
+    }
+
+    // The month roster: employees down, days across; the shift's code on worked days, "D" on
+    // the rest days of the employee's shift, nothing on the other days; the legend explains
+    // the codes. The PDF is written.
+    void rolDelMes()
+    {
+        generaHorarios(m_base->conexion(), {"NOCHE"}, {QDate(2024, 5, 1), QDate(2024, 5, 31)});
+        const RolMes noche = leeRolMes(m_base->conexion(), 2024, 5, "NOCHE");
+        QStringList filas;
+        for (const RolMes::Fila &f : noche.filas)
+            filas << f.empleado + ' ' + f.nombre + ' ' + f.dias.mid(0, 4).join(',');
+        QCOMPARE(filas,
+                 (QStringList{"E008 Hugo Medina NOC,NOC,D,NOC", "E009 Irene Castro NOC,NOC,D,NOC",
+                              "E010 Jorge Núñez NOC,NOC,D,NOC"}));
+        QCOMPARE(noche.leyenda.size(), 1);
+        QCOMPARE(noche.leyenda.first().second,
+                 QStringLiteral("NOCHE  22:00-06:00, descansa Viernes"));
+        // Every shift: the demo's two MATUTINO rows on Monday the 6th, Sundays marked for the
+        // members of MATUTINO, nothing for the days no schedule was generated.
+        const RolMes todos = leeRolMes(m_base->conexion(), 2024, 5);
+        const auto fila = [&](const QString &e) {
+            for (const RolMes::Fila &f : todos.filas)
+                if (f.empleado == e)
+                    return f.dias.mid(3, 4).join(',');
+            return QString("falta");
+        };
+        QCOMPARE(fila("E001"), QStringLiteral(",D,MAT,"));
+        QCOMPARE(fila("E003"), QStringLiteral(",D,,"));
+        QCOMPARE(fila("E008"), QStringLiteral("NOC,NOC,NOC,NOC"));
+        QCOMPARE(fila("E006"), QStringLiteral("falta")); // no shift, no schedule
+        QVERIFY_THROWS_EXCEPTION(Error, leeRolMes(m_base->conexion(), 2024, 5, "NADA"));
+
+        QTemporaryDir dir;
+        const QString archivo = dir.filePath(nombreArchivoRol(noche));
+        escribeRolMesPdf(noche, archivo);
+        QFile pdf(archivo);
+        QVERIFY(pdf.open(QIODevice::ReadOnly));
+        QVERIFY(pdf.read(5) == "%PDF-" && pdf.size() > 1000);
+        QCOMPARE(QFileInfo(archivo).fileName(), QStringLiteral("RolMes-2024-05-NOCHE.pdf"));
+    }
+
+    void mesesDelRol_data()
+    {
+        QTest::addColumn<QString>("texto");
+        QTest::addColumn<int>("mes"); // 0: refused
+        QTest::newRow("normal") << "2024-05" << 5;
+        QTest::newRow("un dígito") << "2024-5" << 5;
+        QTest::newRow("mes 13") << "2024-13" << 0;
+        QTest::newRow("año corto") << "24-05" << 0;
+        QTest::newRow("nombre") << "mayo" << 0;
+    }
+    void mesesDelRol()
+    {
+        QFETCH(QString, texto);
+        QFETCH(int, mes);
+        int a = 0, m = 0;
+        try {
+            leeMes(texto, a, m);
+            QCOMPARE(m, mes);
+            QCOMPARE(a, 2024);
+        } catch (const Error &) {
+            QCOMPARE(mes, 0);
+        }
     }
 
     // A month for many employees shows the progress window; a failure in the middle (the

@@ -324,8 +324,13 @@ private Q_SLOTS:
                 for (int i = 0; i <= 7; ++i)
                     etiquetas << e->lblTurno(i)->text();
                 QCOMPARE(e->texto(4), QStringLiteral("Lunes"));
-                for (int i = 2; i <= 5; ++i)
+                QStringList consejos;
+                for (int i = 2; i <= 5; ++i) {
                     QVERIFY(!e->cmdButton(i)->icon().isNull() && e->cmdButton(i)->text().isEmpty());
+                    consejos << e->cmdButton(i)->toolTip();
+                }
+                QCOMPARE(consejos.join(','),
+                         QStringLiteral("Agregar todos,Agregar,Quitar,Quitar todos"));
             },
             &visto);
         atajo(f, Qt::Key_M);

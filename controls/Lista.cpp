@@ -70,11 +70,11 @@ QTreeWidgetItem *Lista::agrega(const QString &clave, const QString &texto,
     if (lugar)
         throw Error(QStringLiteral("La clave \"%1\" no es única en la colección.").arg(clave),
                     35602);
-    auto *elemento = new QTreeWidgetItem;
-    elemento->setText(0, texto);
+    QStringList textos;
+    textos.reserve(subElementos.size() + 1);
+    textos << texto << subElementos;
+    auto *elemento = new QTreeWidgetItem(textos);
     elemento->setData(0, Qt::UserRole, clave);
-    for (int i = 0; i < subElementos.size(); ++i)
-        elemento->setText(i + 1, subElementos.at(i));
     lugar = elemento;
     addTopLevelItem(elemento);
     return elemento;

@@ -8,7 +8,6 @@
 
 #include <QCalendarWidget>
 #include <QComboBox>
-#include <QCoreApplication>
 #include <QLabel>
 #include <QProgressBar>
 #include <QPushButton>

@@ -8,7 +8,6 @@
 #include "shifts/SentenciasTurnos.h"
 
 #include <QCalendarWidget>
-#include <QCoreApplication>
 #include <QProgressBar>
 
 namespace zuvi {

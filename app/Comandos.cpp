@@ -3,10 +3,13 @@
 #include "app/Componente.h"
 #include "app/Kits.h"
 #include "host/Interaccion.h"
+#include "host/Reportes.h"
+#include "host/RolMes.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QGuiApplication>
 #include <QMetaObject>
 #include <QWidget>
@@ -259,6 +262,27 @@ int cancela(const LineaComandos &lc)
     return Exito;
 }
 
+int rol(const LineaComandos &lc)
+{
+    exigeArgumentos(lc, 1, 1, QStringLiteral("rol AAAA-MM [--turno T]"));
+    int anio = 0, mes = 0;
+    try {
+        anfitrion::leeMes(lc.argumentos.at(0), anio, mes);
+    } catch (const Error &e) {
+        throw ErrorDeUso(e.description());
+    }
+    auto sesion = abreSesion(lc);
+    const anfitrion::RolMes datos =
+        anfitrion::leeRolMes(sesion->conexion(), anio, mes, lc.turno.trimmed());
+    const QString archivo =
+        QDir(anfitrion::carpetaReportes()).filePath(anfitrion::nombreArchivoRol(datos));
+    anfitrion::escribeRolMesPdf(datos, archivo);
+    salida(QStringLiteral("Rol de turnos (%1 empleados) escrito en %2")
+               .arg(datos.filas.size())
+               .arg(QDir::toNativeSeparators(archivo)));
+    return Exito;
+}
+
 int ejecuta(const LineaComandos &lc)
 {
     const QString &o = lc.orden;
@@ -292,6 +316,8 @@ int ejecuta(const LineaComandos &lc)
         return desensamble(lc);
     if (o == QLatin1String("cancela"))
         return cancela(lc);
+    if (o == QLatin1String("rol"))
+        return rol(lc);
     throw ErrorDeUso(QStringLiteral("Orden desconocida: %1").arg(o));
 }
 

@@ -16,6 +16,7 @@ struct LineaComandos
     bool baseDada = false; // --base was given (otherwise the default file)
     bool demo = false;     // --demo (crea-base)
     bool ayuda = false;    // --help / -h
+    QString turno;         // --turno (rol)
     QString orden;         // the sub-command; empty opens the main window
     QStringList argumentos;
 

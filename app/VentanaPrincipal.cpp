@@ -8,6 +8,7 @@
 #include "host/Anfitrion.h"
 #include "host/Impresion.h"
 #include "host/Interaccion.h"
+#include "host/RolMes.h"
 #include "host/Sql.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
@@ -15,10 +16,17 @@
 #include <QAction>
 #include <QApplication>
 #include <QCloseEvent>
+#include <QComboBox>
 #include <QDate>
+#include <QDateEdit>
+#include <QDialog>
+#include <QDialogButtonBox>
+#include <QFormLayout>
 #include <QHeaderView>
 #include <QMenuBar>
 #include <QMessageBox>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QSqlQuery>
 #include <QStatusBar>
 #include <QTableWidget>
@@ -130,7 +138,9 @@ void VentanaPrincipal::creaMenus()
     agrega(fraccion, QStringLiteral("&Captura de fracciones"), &VentanaPrincipal::fracciones);
 
     QMenu *turno = menuBar()->addMenu(QStringLiteral("&Turnos"));
-    m_turnos = agrega(turno, QStringLiteral("&Turnos"), &VentanaPrincipal::turnos);
+    m_turnos = agrega(turno, QStringLiteral("&Turnos y horarios"), &VentanaPrincipal::turnos);
+    agrega(turno, QStringLiteral("&Rol del mes"), &VentanaPrincipal::rolDelMes)
+        ->setObjectName(QStringLiteral("actRolMes"));
 
     QMenu *ayuda = menuBar()->addMenu(QStringLiteral("Ay&uda"));
     agrega(ayuda, QStringLiteral("&Acerca de"), &VentanaPrincipal::acercaDe);
@@ -330,6 +340,52 @@ void VentanaPrincipal::fracciones()
 void VentanaPrincipal::turnos()
 {
     llama("MuestraTurnos");
+}
+
+void VentanaPrincipal::rolDelMes()
+{
+    try {
+        QDialog dialogo(this);
+        dialogo.setWindowTitle(QStringLiteral("Rol del mes"));
+        auto *mes = new QDateEdit(QDate::currentDate(), &dialogo);
+        mes->setDisplayFormat(QStringLiteral("MM/yyyy"));
+        mes->setObjectName(QStringLiteral("mes"));
+        auto *turno = new QComboBox(&dialogo);
+        turno->setObjectName(QStringLiteral("turno"));
+        turno->addItem(QStringLiteral("(todos los turnos)"), QString());
+        QSqlQuery q = anfitrion::ejecuta(m_sesion.conexion(),
+                                         QStringLiteral("SELECT turno FROM turnos ORDER BY turno"));
+        while (q.next())
+            turno->addItem(q.value(0).toString(), q.value(0).toString());
+        auto *botones =
+            new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, &dialogo);
+        connect(botones, &QDialogButtonBox::accepted, &dialogo, &QDialog::accept);
+        connect(botones, &QDialogButtonBox::rejected, &dialogo, &QDialog::reject);
+        auto *forma = new QFormLayout(&dialogo);
+        forma->addRow(QStringLiteral("&Mes:"), mes);
+        forma->addRow(QStringLiteral("&Turno:"), turno);
+        forma->addRow(botones);
+        if (dialogo.exec() != QDialog::Accepted)
+            return;
+        const anfitrion::RolMes rol =
+            anfitrion::leeRolMes(m_sesion.conexion(), mes->date().year(), mes->date().month(),
+                                 turno->currentData().toString());
+        QPrinter impresora(QPrinter::HighResolution);
+        impresora.setDocName(anfitrion::nombreArchivoRol(rol));
+        QPrintPreviewDialog vista(&impresora, this);
+        vista.setWindowTitle(QStringLiteral("Rol del mes"));
+        vista.resize(1100, 760);
+        connect(&vista, &QPrintPreviewDialog::paintRequested, this, [&rol, this](QPrinter *p) {
+            try {
+                anfitrion::pintaRolMes(p, rol);
+            } catch (...) {
+                muestraError(describeCurrentException());
+            }
+        });
+        vista.exec();
+    } catch (...) {
+        muestraError(describeCurrentException());
+    }
 }
 
 void VentanaPrincipal::acercaDe()

@@ -50,6 +50,8 @@ private:
     void kits(bool desensamble);
     void fracciones();
     void turnos();
+    // Asks for a month and a shift and shows the month roster in a print preview.
+    void rolDelMes();
     void acercaDe();
     void muestraError(const QString &texto);
     // Clears the busy mark a station left behind (it crashed with the order

@@ -39,8 +39,4 @@ void Produccion::SetAmbienteObjeto(QObject *ambiente)
     m_ambiente = qobject_cast<zuvi::Ambiente *>(ambiente);
 }
 
-// The shift windows come later; until then this ends silently, as every
-// method of the class does on an error.
-void Produccion::MuestraTurnos() {}
-
 } // namespace zuvi

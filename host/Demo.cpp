@@ -23,6 +23,9 @@
 //   "Dimingo") with E001, E002, E003 and VESPERTINO (15:00-23:00, meal
 //   19:00-19:30, rest "Sabado") with E004, E005; E006 has no shift. Two
 //   schedule rows of MATUTINO on 2024-05-06.
+// More employees E007-E012 and the night shift NOCHE (22:00-06:00, past
+//   midnight; meal 02:00-02:30, rest "Viernes") with E008, E009, E010;
+//   E006, E007, E011 and E012 belong to no shift.
 // Orders (Tipo_doc "OP", user ADMIN, none busy):
 //   1 "PE" for warehouse 3: 10 SOPORTE, 2 REPISA;
 //   2 "CO" for warehouse 3: 5 PAQ-TORN, automatico 1;
@@ -113,6 +116,18 @@ const char *const kFilas[] = {
     "(1, 'MATUTINO', '2024-05-06', 'E001', '07:00', '11:00', '15:00')",
     "horarios (id, turno, fecha, Empleado, HoraEntrada, comida, HoraSalida) VALUES "
     "(2, 'MATUTINO', '2024-05-06', 'E002', '07:00', '11:00', '15:00')",
+
+    "empleados (empleado, nombre) VALUES ('E007', 'Gabriela Ríos')",
+    "empleados (empleado, nombre) VALUES ('E008', 'Hugo Medina')",
+    "empleados (empleado, nombre) VALUES ('E009', 'Irene Castro')",
+    "empleados (empleado, nombre) VALUES ('E010', 'Jorge Núñez')",
+    "empleados (empleado, nombre) VALUES ('E011', 'Karla Soto')",
+    "empleados (empleado, nombre) VALUES ('E012', 'Luis Peña')",
+    "turnos (turno, entrada, comida, salida, descanso, regcomida) VALUES "
+    "('NOCHE', '22:00', '02:00', '06:00', 'Viernes', '02:30')",
+    "turnoempleado (turno, empleado) VALUES ('NOCHE', 'E008')",
+    "turnoempleado (turno, empleado) VALUES ('NOCHE', 'E009')",
+    "turnoempleado (turno, empleado) VALUES ('NOCHE', 'E010')",
 
     "op (op, estado, ocupado, usuario, usufecha, usuhora, f_emision, fechaEntrega, importe, costo,"
     " almacen, observ, automatico, ordencompra, cerrado, Tipo_doc) VALUES (1, 'PE', 0, 'ADMIN',"

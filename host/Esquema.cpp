@@ -137,6 +137,7 @@ const char *const kIndices[] = {
     "CREATE INDEX IF NOT EXISTS comppart_articulo ON comppart (articulo)",
     "CREATE INDEX IF NOT EXISTS clavesadd_articulo ON clavesadd (Articulo)",
     "CREATE INDEX IF NOT EXISTS horarios_turno_fecha ON horarios (turno, fecha)",
+    "CREATE INDEX IF NOT EXISTS horarios_empleado_fecha ON horarios (Empleado, fecha)",
     "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
 };
 

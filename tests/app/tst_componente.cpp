@@ -75,7 +75,9 @@ private slots:
         const QHash<QString, QString> reportes = {
             {"Ensamble", "Module: Produccion\r\nFunction: Ensamble"},
             {"Desensamble", "Module: Produccion\r\nFunction: Desensamble"},
-            {"MuestraCapturaDeFracciones", "Module: frmFracciones\r\nFunction: Form_Load"}};
+            {"MuestraCapturaDeFracciones", "Module: frmFracciones\r\nFunction: Form_Load"},
+            {"MuestraTurnos", "Module: frmTurnos\r\nFunction: LLenaTurnos|Module: frmTurnos\r\n"
+                              "Function: Form_Load"}};
         QStringList miembros;
         pruebas::CapturaReportes capturados;
         for (int i = mo->propertyOffset(); i < mo->propertyCount(); ++i)

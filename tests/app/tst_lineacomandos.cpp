@@ -89,6 +89,11 @@ private slots:
         fila("desensamble 1,5", "desensamble SOPORTE 1,5 3", 0, "", "3 2 0 4 10.5");
         fila("desensamble kit anidado", "desensamble REPISA 1 3", 1, "REPISA|SOPORTE|kit");
         fila("ventana sin pantalla", "invoca MuestraCapturaDeFracciones", 0, "Sin pantalla");
+        fila("rol mes mal escrito", "rol 2024-13", 2, "AAAA-MM");
+        fila("turno fuera de rol", "entrega 1 --turno NOCHE", 2, "--turno");
+        fila("rol de un turno", "rol 2024-05 --turno NOCHE", 0,
+             "3 empleados|RolMes-2024-05-NOCHE.pdf");
+        fila("rol de turno inexistente", "rol 2024-05 --turno NADA", 1, "no existe");
     }
 
     void ordenes()

@@ -1,0 +1,86 @@
+#pragma once
+
+// The shift editor: one row of turnos, new ("ALTA") or modified
+// ("MODIFICACION"), with the employees that belong to it. lv(0) holds the
+// employees of no shift, lv(1) the members; nothing is written until
+// "&Aceptar" saves. The opener sets Ambiente, Modo and, to modify, Turno,
+// then shows it modally.
+
+#include "component/Export.h"
+#include "contract/Servicios.h"
+#include "controls/Lista.h"
+#include "controls/Ventana.h"
+
+#include <QPointer>
+
+class QAbstractButton;
+class QComboBox;
+class QLabel;
+class QProgressBar;
+
+namespace Ui {
+class frmTurno;
+}
+
+namespace zuvi {
+
+class ZUVI_PRODUCCION_EXPORT frmTurno : public Ventana
+{
+    Q_OBJECT
+    Q_PROPERTY(QObject *Ambiente READ ambienteObjeto)
+    Q_PROPERTY(QString Modo MEMBER Modo)
+    Q_PROPERTY(QString Turno MEMBER Turno)
+
+public:
+    explicit frmTurno(QWidget *parent = nullptr);
+    ~frmTurno() override;
+
+    QPointer<zuvi::Ambiente> Ambiente;
+    QString Modo;  // "ALTA" or "MODIFICACION"
+    QString Turno; // the key of the shift being modified
+
+    ArregloControles<QComboBox> cmbFields;
+    ArregloControles<QAbstractButton> cmdButton;
+    ArregloControles<QLabel> lblTurno;
+    ArregloControles<Lista> lv;
+    QProgressBar *ProgressBar1 = nullptr;
+
+    QObject *ambienteObjeto() const { return Ambiente.data(); }
+
+    // The text of a field as the procedures read it.
+    QString texto(int indice) const;
+
+    bool SalvaCambios();
+
+    // Employee assignment (frmTurno_Empleados.cpp).
+    void LLenaEmpleados();
+    void LLenaEmpleadosTurno();
+    void RemueveEnTurno();
+    void Remueve(const QString &cKey);
+    void Remueve2(const QString &cKey);
+    void AgregaUsuario();
+    void AgregaTodosLosUsuarios();
+    void QuitarUsuario();
+    void QuitaTodosLosUsuarios();
+
+protected:
+    void Form_Load() override;
+    void Form_Unload(qint16 &Cancel) override;
+
+private:
+    void cmdButton_Click(int Index);
+    void PonFoco(QWidget *objControl);
+    // Shows a message of the catalogue as information.
+    void avisa(qint32 numero);
+    // Moves one item from `de` to `a` after the empty-name test over `a`'s
+    // items (AgregaUsuario, QuitarUsuario).
+    void mueveUno(Lista *de, Lista *a);
+    // Moves every item of `de` to `a`, then clears `de`.
+    void mueveTodos(Lista *de, Lista *a);
+    // Fills a list of employees with the count-then-rows pattern.
+    void llenaEmpleados(Lista *lista, const QString &cuenta, const QString &filas);
+
+    Ui::frmTurno *ui;
+};
+
+} // namespace zuvi

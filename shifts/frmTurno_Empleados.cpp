@@ -1,0 +1,147 @@
+// The shift editor's two employee lists: lv(0) the employees of no shift,
+// lv(1) the members of this one, and the four buttons between them.
+
+#include "shifts/frmTurno.h"
+
+#include "component/Modulo.h"
+#include "runtime/Text.h"
+#include "shifts/SentenciasTurnos.h"
+
+#include <QComboBox>
+#include <QProgressBar>
+
+namespace zuvi {
+
+namespace {
+
+// The position of a column, or the error reading it by name would give.
+int columna(const Recordset &rs, const QString &nombre)
+{
+    const int i = rs.indexOf(nombre);
+    if (i < 0)
+        rs.value(nombre); // raises the recordset's own error for a missing column
+    return i;
+}
+
+} // namespace
+
+void frmTurno::llenaEmpleados(Lista *lista, const QString &cuenta, const QString &filas)
+{
+    if (lista->View() == Lista::lvwReport) {
+        lista->limpiaColumnas();
+        lista->agregaColumna(QStringLiteral("Empleado"), QStringLiteral("Empleado"));
+        lista->agregaColumna(QStringLiteral("Nombre"), QStringLiteral("Nombre"));
+    }
+    AccesoDatos *datos = modulo::accesoDatos();
+    const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
+    RecordsetPtr rs = datos->Consulta(cuenta, conexion, VTrue);
+    const double total = datos->ValorNumerico(rs->value(0));
+    rs = datos->Consulta(filas, conexion, VTrue);
+    lista->limpia();
+    if (total > 0)
+        ProgressBar1->setMaximum(int(total));
+    int contador = 0;
+    // The columns by name once, then by position for every row.
+    const int empleado = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("Empleado"));
+    const int nombre = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("Nombre"));
+    const QString p = QStringLiteral("P");
+    while (!rs->atEnd()) {
+        Lista::avanzaBarra(ProgressBar1, ++contador);
+        const QString clave = Trim(rs->text(empleado));
+        lista->agrega(p + clave, clave, {Trim(rs->text(nombre))});
+        Lista::dejaCorrerEventos();
+        rs->moveNext();
+    }
+    ProgressBar1->setValue(0);
+}
+
+void frmTurno::LLenaEmpleados()
+{
+    atrapa(QStringLiteral("LLenaEmpleados"),
+           [this] { llenaEmpleados(lv(0), turnos::cuentaEmpleados(), turnos::selectEmpleados()); });
+}
+
+void frmTurno::LLenaEmpleadosTurno()
+{
+    atrapa(QStringLiteral("LLenaEmpleadosTurno"), [this] {
+        llenaEmpleados(lv(1), turnos::cuentaMiembros(texto(0)), turnos::selectMiembros(texto(0)));
+    });
+}
+
+void frmTurno::RemueveEnTurno()
+{
+    atrapa(QStringLiteral("RemueveEnTurno"), [this] {
+        RecordsetPtr rs = modulo::accesoDatos()->Consulta(
+            turnos::selectTodosLosMiembros(), modulo::requiere(Ambiente)->Conexion(), VTrue);
+        const int empleado = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("empleado"));
+        while (!rs->atEnd()) {
+            Remueve(QStringLiteral("P") + Trim(rs->text(empleado)));
+            rs->moveNext();
+        }
+    });
+}
+
+void frmTurno::Remueve(const QString &cKey)
+{
+    atrapa(QStringLiteral("Remueve"), [this, &cKey] { lv(0)->quita(cKey); });
+}
+
+void frmTurno::Remueve2(const QString &cKey)
+{
+    atrapa(QStringLiteral("Remueve2"), [this, &cKey] { lv(1)->quita(cKey); });
+}
+
+void frmTurno::mueveUno(Lista *de, Lista *a)
+{
+    QTreeWidgetItem *seleccionado = de->seleccionado();
+    if (!seleccionado)
+        return;
+    // Only a listed employee with no name (not in the catalogue) stops the move.
+    for (int i = 1; i <= a->cuenta(); ++i) {
+        if (Lista::subElemento(a->elemento(i), 1).isEmpty()) {
+            avisa(839);
+            return;
+        }
+    }
+    const QString clave = Lista::clave(seleccionado);
+    const int fila = de->indexOfTopLevelItem(seleccionado);
+    a->agrega(clave, seleccionado->text(0), {Lista::subElemento(seleccionado, 1)});
+    if (de == lv(0))
+        Remueve(clave);
+    else
+        Remueve2(clave);
+    // The next employee is ready for the next move.
+    if (de->cuenta() > 0)
+        de->selecciona(de->topLevelItem(qMin(fila, de->cuenta() - 1)));
+}
+
+void frmTurno::mueveTodos(Lista *de, Lista *a)
+{
+    for (int i = 1; i <= de->cuenta(); ++i) {
+        QTreeWidgetItem *origen = de->elemento(i);
+        a->agrega(Lista::clave(origen), origen->text(0), {Lista::subElemento(origen, 1)});
+    }
+    de->limpia();
+}
+
+void frmTurno::AgregaUsuario()
+{
+    atrapa(QStringLiteral("AgregaUsuario"), [this] { mueveUno(lv(0), lv(1)); });
+}
+
+void frmTurno::QuitarUsuario()
+{
+    atrapa(QStringLiteral("QuitarUsuario"), [this] { mueveUno(lv(1), lv(0)); });
+}
+
+void frmTurno::AgregaTodosLosUsuarios()
+{
+    atrapa(QStringLiteral("AgregaTodosLosUsuarios"), [this] { mueveTodos(lv(0), lv(1)); });
+}
+
+void frmTurno::QuitaTodosLosUsuarios()
+{
+    atrapa(QStringLiteral("QuitaTodosLosUsuarios"), [this] { mueveTodos(lv(1), lv(0)); });
+}
+
+} // namespace zuvi

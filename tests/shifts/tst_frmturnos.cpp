@@ -27,20 +27,7 @@ class TstFrmTurnos : public QObject
     std::shared_ptr<pruebas::InteraccionGuionada> m_guion;
 
     // The rows of a query, one text per row, columns joined by '|'.
-    QStringList filas(const QString &sql)
-    {
-        QSqlQuery q(m_base->conexion());
-        if (!q.exec(sql))
-            return {"falló: " + sql};
-        QStringList r;
-        while (q.next()) {
-            QStringList c;
-            for (int i = 0; i < q.record().count(); ++i)
-                c << q.value(i).toString();
-            r << c.join('|');
-        }
-        return r;
-    }
+    QStringList filas(const QString &sql) { return m_base->filas(sql, u'|'); }
     QStringList turnos()
     {
         return filas("SELECT turno, entrada, comida, salida, descanso, "

@@ -186,7 +186,7 @@ private Q_SLOTS:
         QCOMPARE(f->ProgressBar1->maximum(), 2);
         QCOMPARE(f->ProgressBar1->value(), 0);
         QCOMPARE(QApplication::focusWidget(), f->lv(0));
-        QVERIFY(g->reportes.isEmpty());
+        QVERIFY(g->reportes().isEmpty());
     }
 
     // "&Generar horarios" hands the window to "TURNOS003" with the eleven arguments, and
@@ -292,8 +292,8 @@ private Q_SLOTS:
         clicEnElemento(f->lv(0), f->lv(0)->elemento(1));
         g->si = "s";
         atajo(f, Qt::Key_E);
-        QCOMPARE(g->reportes, QStringList{"Error occured:\r\nModule: frmTurnos\r\nFunction: "
-                                          "LLenaTurnos\r\nDescription: Se perdió la conexión"});
+        QCOMPARE(g->reportes(), QStringList{"Error occured:\r\nModule: frmTurnos\r\nFunction: "
+                                            "LLenaTurnos\r\nDescription: Se perdió la conexión"});
         QVERIFY(f->isVisible());
     }
 
@@ -407,7 +407,7 @@ private Q_SLOTS:
                          "AgregaCampo: turnoempleado | empleado | QString:E1",
                          "Genera: turnoempleado",
                          "Ejecuta"}));
-        QVERIFY(g->reportes.isEmpty());
+        QVERIFY(g->reportes().isEmpty());
     }
 
     // A new shift: the existence test with the blank after the quote (832 when found), then
@@ -500,7 +500,7 @@ private Q_SLOTS:
         QCOMPARE(g->registroDe({"TraeMensaje", "Mensaje"}),
                  (QStringList{"TraeMensaje: 839", "Mensaje: Mensaje 839 | 64"}));
         QCOMPARE(todos, (QStringList{"PE9|E9|", "PE1|E1|Uno"}));
-        QCOMPARE(g->reportes.size(), 0);
+        QCOMPARE(g->reportes().size(), 0);
     }
 
     void unaClaveRepetidaDetieneElMovimiento()
@@ -520,8 +520,8 @@ private Q_SLOTS:
             miembros = textos(e->lv(1), 1);
         });
         atajo(f, Qt::Key_M);
-        QCOMPARE(g->reportes.size(), 1);
-        QVERIFY(g->reportes.first().startsWith(
+        QCOMPARE(g->reportes().size(), 1);
+        QVERIFY(g->reportes().first().startsWith(
             "Error occured:\r\nModule: frmTurno\r\nFunction: QuitaTodosLosUsuarios\r\n"));
         // E9 went over before E1 stopped the move; nothing is cleared.
         QCOMPARE(libres, (QStringList{"PE1|E1", "PE2|E2", "PE3|E3", "PE9|E9"}));

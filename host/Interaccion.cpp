@@ -10,6 +10,7 @@
 #include <QMovie>
 #include <QPointer>
 #include <QProgressDialog>
+#include <QPushButton>
 #include <QVBoxLayout>
 
 #include <cstdio>
@@ -289,6 +290,8 @@ public:
         caja.setText(texto);
         caja.setIcon(QMessageBox::Question);
         caja.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        caja.button(QMessageBox::Yes)->setText(QStringLiteral("&Sí"));
+        caja.button(QMessageBox::No)->setText(QStringLiteral("&No"));
         caja.setDefaultButton(QMessageBox::No);
         return caja.exec() == QMessageBox::Yes;
     }

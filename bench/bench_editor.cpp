@@ -7,6 +7,7 @@
 //
 // Usage: bench_editor [runs=50] [folder for the database file]
 
+#include "bench/Silencio.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
 #include "host/Anfitrion.h"
@@ -34,34 +35,6 @@ namespace {
 
 constexpr int kLineas = 100;
 constexpr int kOrden = 5001;
-
-class Silencio : public anfitrion::Interaccion
-{
-    class Nada : public anfitrion::IndicadorProgreso
-    {
-    public:
-        void inicia(int, const QString &, const QString &) override {}
-        void avanza(int, const QString &, const QString &) override {}
-        void cierra() override {}
-    };
-
-public:
-    void mensaje(const QString &t, int) override
-    {
-        std::fprintf(stderr, "%s\n", qUtf8Printable(t));
-    }
-    bool pregunta(const QString &) override { return false; }
-    void reporte(const QString &, const QString &t) override
-    {
-        std::fprintf(stderr, "%s\n", qUtf8Printable(t));
-        ++errores;
-    }
-    std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
-    {
-        return std::make_unique<Nada>();
-    }
-    int errores = 0;
-};
 
 void ejecuta(QSqlQuery &q, const QString &sql)
 {
@@ -184,7 +157,7 @@ int main(int argc, char **argv)
     QTemporaryDir temporal;
     const QString carpeta = argc > 2 ? QString::fromLocal8Bit(argv[2]) : temporal.path();
     try {
-        auto silencio = std::make_shared<Silencio>();
+        auto silencio = std::make_shared<bench::Silencio>(true);
         anfitrion::ponInteraccion(silencio);
         anfitrion::registraClasesAnfitrion();
         const QString ruta = QDir(carpeta).filePath(QStringLiteral("editor.db"));

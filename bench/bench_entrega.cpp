@@ -19,6 +19,7 @@
 // Under callgrind each side is counted on its own with
 //   --toggle-collect='*entregaConComponente*' or --toggle-collect='*Bare::entrega*'
 
+#include "bench/Silencio.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
 #include "host/Anfitrion.h"
@@ -50,27 +51,6 @@ constexpr int kKits = 50;
 constexpr int kComponentes = 5;
 constexpr int kOrden = 7001;
 constexpr int kAlmacen = 3;
-
-// Progress and messages go nowhere: the benchmark measures the work.
-class Silencio : public anfitrion::Interaccion
-{
-    class Nada : public anfitrion::IndicadorProgreso
-    {
-    public:
-        void inicia(int, const QString &, const QString &) override {}
-        void avanza(int, const QString &, const QString &) override {}
-        void cierra() override {}
-    };
-
-public:
-    void mensaje(const QString &, int) override {}
-    bool pregunta(const QString &) override { return false; }
-    void reporte(const QString &, const QString &) override {}
-    std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
-    {
-        return std::make_unique<Nada>();
-    }
-};
 
 void ejecuta(QSqlQuery &q, const QString &sql)
 {
@@ -447,7 +427,7 @@ int main(int argc, char **argv)
         const QDir dir(temporal.path());
         const QString plantilla = dir.filePath(QStringLiteral("plantilla.db"));
         anfitrion::registraClasesAnfitrion();
-        anfitrion::ponInteraccion(std::make_shared<Silencio>());
+        anfitrion::ponInteraccion(std::make_shared<bench::Silencio>());
         creaPlantilla(plantilla);
         std::printf("%d lines on %s\n", lineasOrden, qUtf8Printable(args.carpeta));
 

@@ -15,6 +15,7 @@
 //
 // Usage: bench_turnos [runs=5] [folder for the database files]
 
+#include "bench/Silencio.h"
 #include "component/Modulo.h"
 #include "host/Anfitrion.h"
 #include "host/Interaccion.h"
@@ -49,31 +50,6 @@ constexpr int kEmpleados = 10000;
 constexpr int kEnTurno = 2000;  // members of BENCH, the shift edited and generated
 constexpr int kEnOtro = 3000;   // members of OTRO
 const QDate kDesde(2024, 5, 1); // May 2024: 31 days, four Sundays
-
-class Silencio : public anfitrion::Interaccion
-{
-    class Nada : public anfitrion::IndicadorProgreso
-    {
-    public:
-        void inicia(int, const QString &, const QString &) override {}
-        void avanza(int, const QString &, const QString &) override {}
-        void cierra() override {}
-    };
-
-public:
-    void mensaje(const QString &, int) override {}
-    bool pregunta(const QString &) override { return false; }
-    void reporte(const QString &, const QString &t) override
-    {
-        std::fprintf(stderr, "%s\n", qUtf8Printable(t));
-        ++errores;
-    }
-    std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
-    {
-        return std::make_unique<Nada>();
-    }
-    int errores = 0;
-};
 
 void ejecuta(QSqlQuery &q, const QString &sql, const QVariantList &valores = {})
 {
@@ -331,7 +307,7 @@ int main(int argc, char **argv)
     QTemporaryDir temporal;
     const QDir dir(argc > 2 ? QString::fromLocal8Bit(argv[2]) : temporal.path());
     try {
-        auto silencio = std::make_shared<Silencio>();
+        auto silencio = std::make_shared<bench::Silencio>();
         anfitrion::ponInteraccion(silencio);
         anfitrion::registraClasesAnfitrion();
         const QString plantilla = dir.filePath(QStringLiteral("plantilla.db"));

@@ -73,14 +73,29 @@ QDateTime AmbienteAnfitrion::ahora() const
     return m_ahora.isValid() ? m_ahora : QDateTime::currentDateTime();
 }
 
+// The date data count whole seconds: the local time of the current second
+// serves every call within it, so the time zone is looked up once a second,
+// not on every call.
+QDateTime AmbienteAnfitrion::ahoraEnSegundos() const
+{
+    if (m_ahora.isValid())
+        return m_ahora;
+    const qint64 segundo = QDateTime::currentMSecsSinceEpoch() / 1000;
+    if (segundo != m_segundo || !m_horaSegundo.isValid()) {
+        m_segundo = segundo;
+        m_horaSegundo = QDateTime::fromSecsSinceEpoch(segundo);
+    }
+    return m_horaSegundo;
+}
+
 qint32 AmbienteAnfitrion::DatoFechaA() const
 {
-    return datoFechaA(ahora().date());
+    return datoFechaA(ahoraEnSegundos().date());
 }
 
 qint32 AmbienteAnfitrion::DatoFechaB() const
 {
-    return datoFechaB(ahora().time());
+    return datoFechaB(ahoraEnSegundos().time());
 }
 
 QVariant AmbienteAnfitrion::DatoDocumento() const

@@ -53,6 +53,9 @@ private:
     Opciones m_opciones;
     Motor m_motor;
     QDateTime m_ahora;
+    QDateTime ahoraEnSegundos() const;
+    mutable qint64 m_segundo = -1;
+    mutable QDateTime m_horaSegundo;
 };
 
 } // namespace zuvi::anfitrion

@@ -411,7 +411,9 @@ void traza(const QString &sentencia)
 
 Motor motorDe(const QSqlDatabase &db)
 {
-    return db.driverName().startsWith(QLatin1String("QSQLITE")) ? Motor::SQLite : Motor::MariaDB;
+    // The driver knows its engine: no name to copy and compare on every statement.
+    const QSqlDriver *driver = db.driver();
+    return driver && driver->dbmsType() == QSqlDriver::SQLite ? Motor::SQLite : Motor::MariaDB;
 }
 
 } // namespace zuvi::anfitrion

@@ -116,6 +116,18 @@ struct Preparadas
         indice.clear();
         orden.clear();
     }
+    // Drops the statements. The driver cannot close an SQLite handle while
+    // statements of ours are open on it (its close fails and forgets the
+    // handle); so when the connection no longer runs on the handle they were
+    // prepared on, the handle is ours to close once they are finalized.
+    void suelta(void *vivo)
+    {
+        void *propio = manejador;
+        const bool habia = !orden.empty();
+        vacia();
+        if (propio && habia && propio != vivo)
+            interno::cierraSQLite(propio);
+    }
     void quita(const QString &texto)
     {
         const auto it = indice.find(texto);
@@ -159,7 +171,7 @@ Preparadas &preparadasDe(const QSqlDatabase &db)
     Preparadas &p = *u.preparadas;
     void *manejador = interno::manejadorSQLite(db);
     if (p.driver != db.driver() || p.manejador != manejador) {
-        p.vacia();
+        p.suelta(manejador);
         p.driver = db.driver();
         p.manejador = manejador;
         p.motor = motorDe(db);
@@ -302,7 +314,11 @@ ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
 void olvidaSentencias(const QSqlDatabase &db)
 {
     ultima() = {};
-    preparadas().erase(db.connectionName());
+    const auto it = preparadas().find(db.connectionName());
+    if (it == preparadas().end())
+        return;
+    it->second.suelta(interno::manejadorSQLite(db));
+    preparadas().erase(it);
 }
 
 Transaccion::Transaccion(const QSqlDatabase &db) : m_db(db), m_sqlite(esSQLite(db))

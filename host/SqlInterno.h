@@ -34,6 +34,9 @@ public:
 // The driver's handle of an open SQLite connection, or null.
 void *manejadorSQLite(const QSqlDatabase &db);
 
+// Closes an SQLite handle the driver let go of (no statement left on it).
+void cierraSQLite(void *manejador);
+
 // Prepares on SQLite's handle; null with fallo filled in when the text does
 // not prepare or holds a second statement.
 std::unique_ptr<SentenciaPreparada> preparaEnSQLite(void *manejador, const QString &sql,

@@ -227,6 +227,11 @@ private:
 
 } // namespace
 
+void cierraSQLite(void *manejador)
+{
+    sqlite3_close(static_cast<sqlite3 *>(manejador));
+}
+
 void *manejadorSQLite(const QSqlDatabase &db)
 {
     const QSqlDriver *driver = db.driver();

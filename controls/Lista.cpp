@@ -35,6 +35,15 @@ void Lista::limpiaColumnas()
     setHeaderLabels({});
 }
 
+void Lista::ponColumnas(const QList<QPair<QString, QString>> &columnas)
+{
+    if (View() != lvwReport)
+        return;
+    limpiaColumnas();
+    for (const auto &[clave, titulo] : columnas)
+        agregaColumna(clave, titulo);
+}
+
 void Lista::agregaColumna(const QString &clave, const QString &titulo)
 {
     m_clavesColumna << clave;

@@ -40,6 +40,9 @@ public:
     // Column headers.
     void limpiaColumnas();
     void agregaColumna(const QString &clave, const QString &titulo);
+    // In report view, the headers become these (key, caption) pairs; in any
+    // other view nothing changes, as the fills expect.
+    void ponColumnas(const QList<QPair<QString, QString>> &columnas);
     int cuentaColumnas() const { return int(m_clavesColumna.size()); }
     QString claveColumna(int indice) const; // 1-based, as the list numbers them
     QString tituloColumna(int indice) const;

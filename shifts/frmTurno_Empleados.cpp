@@ -27,11 +27,7 @@ int columna(const Recordset &rs, const QString &nombre)
 
 void frmTurno::llenaEmpleados(Lista *lista, const QString &cuenta, const QString &filas)
 {
-    if (lista->View() == Lista::lvwReport) {
-        lista->limpiaColumnas();
-        lista->agregaColumna(QStringLiteral("Empleado"), QStringLiteral("Empleado"));
-        lista->agregaColumna(QStringLiteral("Nombre"), QStringLiteral("Nombre"));
-    }
+    lista->ponColumnas({{"Empleado", "Empleado"}, {"Nombre", "Nombre"}});
     AccesoDatos *datos = modulo::accesoDatos();
     const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
     RecordsetPtr rs = datos->Consulta(cuenta, conexion, VTrue);

@@ -71,14 +71,11 @@ void frmTurnos::LLenaTurnos()
 {
     atrapa(QStringLiteral("LLenaTurnos"), [this] {
         Lista *lista = lv(0);
-        if (lista->View() == Lista::lvwReport) {
-            lista->limpiaColumnas();
-            lista->agregaColumna(QStringLiteral("Turno"), QStringLiteral("Turno"));
-            lista->agregaColumna(QStringLiteral("Entrada"), QStringLiteral("Entrada"));
-            lista->agregaColumna(QStringLiteral("Comida"), QStringLiteral("Comida"));
-            lista->agregaColumna(QStringLiteral("RegComida"), QStringLiteral("Regreso de Comida"));
-            lista->agregaColumna(QStringLiteral("Salida"), QStringLiteral("Salida"));
-        }
+        lista->ponColumnas({{"Turno", "Turno"},
+                            {"Entrada", "Entrada"},
+                            {"Comida", "Comida"},
+                            {"RegComida", "Regreso de Comida"},
+                            {"Salida", "Salida"}});
         AccesoDatos *datos = modulo::accesoDatos();
         const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
         RecordsetPtr rs = datos->Consulta(turnos::cuentaTurnos(), conexion, VTrue);

@@ -17,15 +17,12 @@ void frmTurnos::LLenaHorarios()
     atrapa(QStringLiteral("LLenaHorarios"), [this] {
         const QDate fecha = MonthView1->selectedDate();
         Lista *lista = lv(1);
-        if (lista->View() == Lista::lvwReport) {
-            lista->limpiaColumnas();
-            lista->agregaColumna(QStringLiteral("id"), QStringLiteral("id"));
-            lista->agregaColumna(QStringLiteral("Empleado"), QStringLiteral("Empleado"));
-            lista->agregaColumna(QStringLiteral("Fecha"), QStringLiteral("Fecha"));
-            lista->agregaColumna(QStringLiteral("HoraEntrada"), QStringLiteral("Hora Entrada"));
-            lista->agregaColumna(QStringLiteral("Comida"), QStringLiteral("Comnida"));
-            lista->agregaColumna(QStringLiteral("HoraSalida"), QStringLiteral("Hora Salida"));
-        }
+        lista->ponColumnas({{"id", "id"},
+                            {"Empleado", "Empleado"},
+                            {"Fecha", "Fecha"},
+                            {"HoraEntrada", "Hora Entrada"},
+                            {"Comida", "Comnida"},
+                            {"HoraSalida", "Hora Salida"}});
         QTreeWidgetItem *seleccionado = lv(0)->seleccionado();
         if (!seleccionado)
             return;

@@ -109,6 +109,7 @@ protected:
     void showEvent(QShowEvent *evento) override;
 
 private:
+    bool numeraSiEsAlta(AccesoDatos *datos, zuvi::Ambiente *amb);
     void Timer1_Timer();
     void txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift);
     void txtFields_LostFocus(int Index);

@@ -23,23 +23,29 @@ QString horaActual()
 }
 } // namespace
 
+// A new order takes its number here, and its statement is an INSERT that
+// starts with it; false for an order that already has one.
+bool frmOp::numeraSiEsAlta(AccesoDatos *datos, zuvi::Ambiente *amb)
+{
+    if (property("Modo").toString() != QLatin1String("ALTA"))
+        return false;
+    qint32 documento = 0;
+    const qint32 numero =
+        datos->SiguienteFolio(QStringLiteral("Op"), amb->Conexion(), documento, nullptr);
+    setProperty("Op", numero);
+    m_sql->Tipo(QStringLiteral("INSERT"));
+    m_sql->AgregaCampo(kOp, QStringLiteral("op"), qint32(Op));
+    return true;
+}
+
 void frmOp::CreaOp()
 {
     atrapa(QStringLiteral("CreaOp"), [this] {
         zuvi::Ambiente *amb = ambiente();
         AccesoDatos *datos = modulo::accesoDatos();
         m_sql->Limpia();
-        const QString modo = property("Modo").toString();
-        if (modo == QLatin1String("ALTA")) {
-            qint32 documento = 0;
-            const qint32 numero =
-                datos->SiguienteFolio(QStringLiteral("Op"), amb->Conexion(), documento, nullptr);
-            setProperty("Op", numero);
-            m_sql->Tipo(QStringLiteral("INSERT"));
-            m_sql->AgregaCampo(kOp, QStringLiteral("op"), qint32(Op));
-        } else {
+        if (!numeraSiEsAlta(datos, amb))
             m_sql->Tipo(QStringLiteral("UPDATE"));
-        }
         if (Modo == QLatin1String("MODIFICACION") || Modo == QLatin1String("ALTA")) {
             m_sql->AgregaCampo(kOp, QStringLiteral("ocupado"), qint16(1));
             m_sql->AgregaCampo(kOp, QStringLiteral("f_emision"), DTPicker1->date());
@@ -73,14 +79,7 @@ void frmOp::SalvaOp()
         zuvi::Ambiente *amb = ambiente();
         AccesoDatos *datos = modulo::accesoDatos();
         m_sql->Limpia();
-        if (property("Modo").toString() == QLatin1String("ALTA")) {
-            qint32 documento = 0;
-            const qint32 numero =
-                datos->SiguienteFolio(QStringLiteral("Op"), amb->Conexion(), documento, nullptr);
-            setProperty("Op", numero);
-            m_sql->Tipo(QStringLiteral("INSERT"));
-            m_sql->AgregaCampo(kOp, QStringLiteral("op"), qint32(Op));
-        } else {
+        if (!numeraSiEsAlta(datos, amb)) {
             m_sql->Tipo(QStringLiteral("UPDATE"));
             m_sql->Condicion(sentenciasOp::condicionOpMayuscula(Op));
         }

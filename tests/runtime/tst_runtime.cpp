@@ -1,6 +1,7 @@
 #include "runtime/ClassRegistry.h"
 #include "runtime/Error.h"
 #include "runtime/Recordset.h"
+#include "runtime/Text.h"
 #include "runtime/VBool.h"
 #include "tests/support/CapturaReportes.h"
 
@@ -92,6 +93,26 @@ private Q_SLOTS:
         registry.remove("Marca");
         QVERIFY_THROWS_EXCEPTION(Error, registry.create("Marca"));
         registry.clear();
+    }
+
+    void ecoMuestraControlesYCorta_data()
+    {
+        QTest::addColumn<QString>("valor");
+        QTest::addColumn<int>("maximo");
+        QTest::addColumn<QString>("esperado");
+        QTest::newRow("normal") << QStringLiteral("Almacén 1") << 60 << QStringLiteral("Almacén 1");
+        QTest::newRow("escape") << QStringLiteral("a\x1b[2Jb\n") << 60
+                                << QStringLiteral("a\\x1b[2Jb\\x0a");
+        QTest::newRow("justo") << QStringLiteral("abcd") << 4 << QStringLiteral("abcd");
+        QTest::newRow("largo") << QStringLiteral("abcde") << 4 << QStringLiteral("abcd…");
+        QTest::newRow("c1") << QString(QChar(0x9b)) << 60 << QStringLiteral("\\x9b");
+    }
+    void ecoMuestraControlesYCorta()
+    {
+        QFETCH(QString, valor);
+        QFETCH(int, maximo);
+        QFETCH(QString, esperado);
+        QCOMPARE(eco(valor, maximo), esperado);
     }
 };
 

@@ -5,6 +5,7 @@
 
 #include "component/Modulo.h"
 #include "runtime/Text.h"
+#include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"
 
 #include <QComboBox>
@@ -28,27 +29,18 @@ int columna(const Recordset &rs, const QString &nombre)
 void frmTurno::llenaEmpleados(Lista *lista, const QString &cuenta, const QString &filas)
 {
     lista->ponColumnas({{"Empleado", "Empleado"}, {"Nombre", "Nombre"}});
-    AccesoDatos *datos = modulo::accesoDatos();
-    const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
-    RecordsetPtr rs = datos->Consulta(cuenta, conexion, VTrue);
-    const double total = datos->ValorNumerico(rs->value(0));
-    rs = datos->Consulta(filas, conexion, VTrue);
-    lista->limpia();
-    if (total > 0)
-        ProgressBar1->setMaximum(int(total));
-    int contador = 0;
     // The columns by name once, then by position for every row.
-    const int empleado = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("Empleado"));
-    const int nombre = rs->atEnd() ? -1 : columna(*rs, QStringLiteral("Nombre"));
+    int empleado = -1;
+    int nombre = -1;
     const QString p = QStringLiteral("P");
-    while (!rs->atEnd()) {
-        Lista::avanzaBarra(ProgressBar1, ++contador);
-        const QString clave = Trim(rs->text(empleado));
-        lista->agrega(p + clave, clave, {Trim(rs->text(nombre))});
-        Lista::dejaCorrerEventos();
-        rs->moveNext();
-    }
-    ProgressBar1->setValue(0);
+    llenaLista(Ambiente, lista, ProgressBar1, cuenta, filas, [&](Recordset &rs) {
+        if (empleado < 0) {
+            empleado = columna(rs, QStringLiteral("Empleado"));
+            nombre = columna(rs, QStringLiteral("Nombre"));
+        }
+        const QString clave = Trim(rs.text(empleado));
+        lista->agrega(p + clave, clave, {Trim(rs.text(nombre))});
+    });
 }
 
 void frmTurno::LLenaEmpleados()

@@ -2,6 +2,7 @@
 
 #include "component/Modulo.h"
 #include "runtime/Text.h"
+#include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"
 #include "shifts/frmTurno.h"
 #include "ui_frmTurnos.h"
@@ -76,27 +77,15 @@ void frmTurnos::LLenaTurnos()
                             {"Comida", "Comida"},
                             {"RegComida", "Regreso de Comida"},
                             {"Salida", "Salida"}});
-        AccesoDatos *datos = modulo::accesoDatos();
-        const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
-        RecordsetPtr rs = datos->Consulta(turnos::cuentaTurnos(), conexion, VTrue);
-        const double total = datos->ValorNumerico(rs->value(0));
-        rs = datos->Consulta(turnos::selectTurnos(), conexion, VTrue);
-        lista->limpia();
-        if (total > 0)
-            ProgressBar1->setMaximum(int(total));
-        int contador = 0;
-        while (!rs->atEnd()) {
-            Lista::avanzaBarra(ProgressBar1, ++contador);
-            const QString turno = rs->text(QStringLiteral("Turno"));
-            lista->agrega(QStringLiteral("P") + turno, turno,
-                          {Trim(rs->text(QStringLiteral("Entrada"))),
-                           Trim(rs->text(QStringLiteral("comida"))),
-                           Trim(rs->text(QStringLiteral("regcomida"))),
-                           Trim(rs->text(QStringLiteral("Salida")))});
-            Lista::dejaCorrerEventos();
-            rs->moveNext();
-        }
-        ProgressBar1->setValue(0);
+        llenaLista(Ambiente, lista, ProgressBar1, turnos::cuentaTurnos(), turnos::selectTurnos(),
+                   [lista](Recordset &rs) {
+                       const QString turno = rs.text(QStringLiteral("Turno"));
+                       lista->agrega(QStringLiteral("P") + turno, turno,
+                                     {Trim(rs.text(QStringLiteral("Entrada"))),
+                                      Trim(rs.text(QStringLiteral("comida"))),
+                                      Trim(rs.text(QStringLiteral("regcomida"))),
+                                      Trim(rs.text(QStringLiteral("Salida")))});
+                   });
     });
 }
 

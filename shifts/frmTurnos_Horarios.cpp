@@ -5,10 +5,10 @@
 
 #include "component/Modulo.h"
 #include "runtime/Text.h"
+#include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"
 
 #include <QCalendarWidget>
-#include <QProgressBar>
 
 namespace zuvi {
 
@@ -27,29 +27,19 @@ void frmTurnos::LLenaHorarios()
         if (!seleccionado)
             return;
         AccesoDatos *datos = modulo::accesoDatos();
-        const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
-        const QString literal = datos->FechaSQL(conexion, fecha);
+        const QString literal = datos->FechaSQL(modulo::requiere(Ambiente)->Conexion(), fecha);
         const QString turno = Lista::clave(seleccionado).mid(1);
-        RecordsetPtr rs = datos->Consulta(turnos::cuentaHorarios(literal, turno), conexion, VTrue);
-        const double total = datos->ValorNumerico(rs->value(0));
-        rs = datos->Consulta(turnos::selectHorarios(literal, turno), conexion, VTrue);
-        lista->limpia();
-        if (total > 0)
-            ProgressBar1->setMaximum(int(total));
-        int contador = 0;
-        while (!rs->atEnd()) {
-            Lista::avanzaBarra(ProgressBar1, ++contador);
-            const QString id = rs->text(QStringLiteral("Id"));
-            lista->agrega(QStringLiteral("P") + id, id,
-                          {Trim(turnos::formatoFecha(rs->value(QStringLiteral("Empleado")))),
-                           Trim(rs->text(QStringLiteral("Fecha"))),
-                           Trim(rs->text(QStringLiteral("HoraEntrada"))),
-                           Trim(rs->text(QStringLiteral("comida"))),
-                           Trim(rs->text(QStringLiteral("HoraSalida")))});
-            Lista::dejaCorrerEventos();
-            rs->moveNext();
-        }
-        ProgressBar1->setValue(0);
+        llenaLista(Ambiente, lista, ProgressBar1, turnos::cuentaHorarios(literal, turno),
+                   turnos::selectHorarios(literal, turno), [lista](Recordset &rs) {
+                       const QString id = rs.text(QStringLiteral("Id"));
+                       lista->agrega(
+                           QStringLiteral("P") + id, id,
+                           {Trim(turnos::formatoFecha(rs.value(QStringLiteral("Empleado")))),
+                            Trim(rs.text(QStringLiteral("Fecha"))),
+                            Trim(rs.text(QStringLiteral("HoraEntrada"))),
+                            Trim(rs.text(QStringLiteral("comida"))),
+                            Trim(rs.text(QStringLiteral("HoraSalida")))});
+                   });
     });
 }
 

@@ -128,6 +128,19 @@ class TstTurnosGuionado : public QObject
                                     {"NOCHE", "22:00", "02:00", "06:00", "Dimingo", "02:30"}});
     }
 
+    // Both shifts and the employees, the catalogue open with the second shift selected and
+    // the record of calls emptied.
+    QPointer<frmTurnos> catalogoEnElSegundoTurno()
+    {
+        dosTurnos();
+        empleados();
+        auto f = abreCatalogo(g->ambiente());
+        if (f)
+            clicEnElemento(f->lv(0), f->lv(0)->elemento(1));
+        g->registro.clear();
+        return f;
+    }
+
     // Employees E1..E3, E2 a member of the shift " A ", E3 of another one.
     void empleados()
     {
@@ -301,12 +314,8 @@ private Q_SLOTS:
     // the right and the employees of no shift on the left, then PreparaVentana.
     void elEditorCargaLosEmpleados()
     {
-        dosTurnos();
-        empleados();
-        auto f = abreCatalogo(g->ambiente());
+        auto f = catalogoEnElSegundoTurno();
         QVERIFY(f);
-        clicEnElemento(f->lv(0), f->lv(0)->elemento(1));
-        g->registro.clear();
         bool visto = false;
         QStringList libres, miembros, horas, dias, etiquetas;
         QWidget *foco = nullptr;
@@ -365,12 +374,8 @@ private Q_SLOTS:
     // written, the members deleted and inserted under the new key (untrimmed).
     void guardarConClaveCambiada()
     {
-        dosTurnos();
-        empleados();
-        auto f = abreCatalogo(g->ambiente());
+        auto f = catalogoEnElSegundoTurno();
         QVERIFY(f);
-        clicEnElemento(f->lv(0), f->lv(0)->elemento(1));
-        g->registro.clear();
         enEditor([&](frmTurno *e) {
             e->cmbFields(0)->lineEdit()->selectAll();
             QTest::keyClicks(e->cmbFields(0), "B2 ");

@@ -165,12 +165,13 @@ void DialogoCatalogo::busca(const QString &texto)
     const int visibles = m_modelo->rowCount();
     if (visibles > 0) {
         m_tabla->setCurrentIndex(m_modelo->index(0, 0));
-        m_estado->setText(
+        QString linea =
             visibles == m_modelo->total()
-                ? QStringLiteral("%1 registros. Enter elige, Esc cierra.").arg(visibles)
-                : QStringLiteral("%1 de %2 registros. Enter elige, Esc cierra.")
-                      .arg(visibles)
-                      .arg(m_modelo->total()));
+                ? QStringLiteral("%1 registros").arg(visibles)
+                : QStringLiteral("%1 de %2 registros").arg(visibles).arg(m_modelo->total());
+        if (!m_filtro.isEmpty())
+            linea += QStringLiteral(" (solo %1)").arg(m_filtro);
+        m_estado->setText(linea + QStringLiteral(". Enter elige, Esc cierra."));
     } else if (m_modelo->total() == 0 && m_filtro.isEmpty()) {
         m_estado->setText(QStringLiteral("El catálogo está vacío: no hay nada que elegir."));
     } else if (m_modelo->total() == 0) {

@@ -230,17 +230,8 @@ void BuscaCatalogoAnfitrion::Muestra(const QString &titulo, const QString &filtr
         throw Error(QStringLiteral("El catálogo \"%1\" no tiene caja destino.").arg(titulo));
 
     FilasCatalogo filas = FilasCatalogo::lee(*catalogo, filtro, m_ambiente->Conexion());
-    // On the heap with the editor as parent: closing the editor while the
-    // lookup is open deletes the dialog with it, and the pointer tells.
-    QPointer<DialogoCatalogo> dialogo =
-        new DialogoCatalogo(*catalogo, std::move(filas), filtro, m_destino->window());
-    const bool elegido = dialogo->exec() == QDialog::Accepted;
-    if (!dialogo)
-        return;
-    const QString clave = dialogo->claveElegida();
-    delete dialogo;
-    if (elegido && m_destino)
-        m_destino->setText(clave);
+    muestraYEscribe(new DialogoCatalogo(*catalogo, std::move(filas), filtro, m_destino->window()),
+                    [](const DialogoCatalogo &d) { return d.claveElegida(); });
 }
 
 } // namespace zuvi::anfitrion

@@ -17,10 +17,10 @@
 
 #include "contract/Servicios.h"
 #include "host/Catalogos.h"
+#include "host/DialogoDestino.h"
 
 #include <QDialog>
 #include <QLineEdit>
-#include <QPointer>
 
 class QLabel;
 class QTableView;
@@ -58,21 +58,15 @@ private:
     QString m_clave;
 };
 
-class BuscaCatalogoAnfitrion : public zuvi::BuscaCatalogo
+class BuscaCatalogoAnfitrion : public ServicioConDestino<zuvi::BuscaCatalogo>
 {
     Q_OBJECT
 public:
-    using zuvi::BuscaCatalogo::BuscaCatalogo;
+    using ServicioConDestino::ServicioConDestino;
 
-    void PonAmbiente(Ambiente *ambiente) override { m_ambiente = ambiente; }
-    void PonDestino(QLineEdit *destino) override { m_destino = destino; }
     void Muestra(const QString &titulo, const QString &filtro = QString(),
                  const QString &texto2 = QString(), const QString &texto3 = QString(),
                  const QVariant &omitido = QVariant()) override;
-
-private:
-    QPointer<Ambiente> m_ambiente;
-    QPointer<QLineEdit> m_destino;
 };
 
 } // namespace zuvi::anfitrion

@@ -164,15 +164,9 @@ void CapturaNumericaAnfitrion::Muestra()
 {
     if (!m_destino)
         throw Error(QStringLiteral("La captura numérica no tiene caja destino."));
-    QPointer<TecladoNumerico> teclado =
-        new TecladoNumerico(m_destino->text(), m_destino->maxLength(), m_destino->window());
-    const bool aceptado = teclado->exec() == QDialog::Accepted;
-    if (!teclado)
-        return;
-    const QString numero = teclado->numero();
-    delete teclado;
-    if (aceptado && m_destino)
-        m_destino->setText(numero);
+    muestraYEscribe(
+        new TecladoNumerico(m_destino->text(), m_destino->maxLength(), m_destino->window()),
+        [](const TecladoNumerico &t) { return t.numero(); });
 }
 
 } // namespace zuvi::anfitrion

@@ -13,10 +13,10 @@
 // typed writes an empty box); Cancelar leaves the box as it was.
 
 #include "contract/Servicios.h"
+#include "host/DialogoDestino.h"
 
 #include <QDialog>
 #include <QLineEdit>
-#include <QPointer>
 
 namespace zuvi::anfitrion {
 
@@ -43,20 +43,14 @@ private:
     int m_largoMaximo;
 };
 
-class CapturaNumericaAnfitrion : public zuvi::CapturaNumerica
+class CapturaNumericaAnfitrion : public ServicioConDestino<zuvi::CapturaNumerica>
 {
     Q_OBJECT
 public:
-    using zuvi::CapturaNumerica::CapturaNumerica;
+    using ServicioConDestino::ServicioConDestino;
 
-    void PonAmbiente(Ambiente *ambiente) override { m_ambiente = ambiente; }
-    void PonDestino(QLineEdit *destino) override { m_destino = destino; }
     // Throws Error when no target box was given.
     void Muestra() override;
-
-private:
-    QPointer<Ambiente> m_ambiente;
-    QPointer<QLineEdit> m_destino;
 };
 
 // The text the pad starts from for a box holding texto.

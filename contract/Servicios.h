@@ -172,8 +172,9 @@ public:
     virtual double AplicaMovimiento(qint32 &numero) = 0;
 };
 
-// Catalogue lookup, created per use by the order editor's fields.
-class ZUVI_CONTRATO_EXPORT BuscaCatalogo : public QObject
+// A host dialog created per use by the order editor's fields, bound to the
+// environment and to the text box it writes its result into.
+class ZUVI_CONTRATO_EXPORT DialogoConDestino : public QObject
 {
     Q_OBJECT
 public:
@@ -181,6 +182,15 @@ public:
 
     virtual void PonAmbiente(Ambiente *ambiente) = 0;
     virtual void PonDestino(QLineEdit *destino) = 0;
+};
+
+// Catalogue lookup.
+class ZUVI_CONTRATO_EXPORT BuscaCatalogo : public DialogoConDestino
+{
+    Q_OBJECT
+public:
+    using DialogoConDestino::DialogoConDestino;
+
     // Shows the catalogue with the caption; the chosen key is written into the
     // target box. filtro narrows the rows (for example "kit <> 0").
     virtual void Muestra(const QString &titulo, const QString &filtro = QString(),
@@ -189,14 +199,12 @@ public:
 };
 
 // Numeric-entry pad bound to a text box.
-class ZUVI_CONTRATO_EXPORT CapturaNumerica : public QObject
+class ZUVI_CONTRATO_EXPORT CapturaNumerica : public DialogoConDestino
 {
     Q_OBJECT
 public:
-    using QObject::QObject;
+    using DialogoConDestino::DialogoConDestino;
 
-    virtual void PonAmbiente(Ambiente *ambiente) = 0;
-    virtual void PonDestino(QLineEdit *destino) = 0;
     virtual void Muestra() = 0;
 };
 

@@ -26,6 +26,9 @@
 // More employees E007-E012 and the night shift NOCHE (22:00-06:00, past
 //   midnight; meal 02:00-02:30, rest "Viernes") with E008, E009, E010;
 //   E006, E007, E011 and E012 belong to no shift.
+// Inventory concepts (conceptos): OP, EN, DE, COP, DES, DEN, the concepts the
+//   module posts movements with. Taxes (impuestos): IVA16 16 %, IVA8 8 %,
+//   IVA0 0 %, EXENTO 0 %.
 // Orders (Tipo_doc "OP", user ADMIN, none busy):
 //   1 "PE" for warehouse 3: 10 SOPORTE, 2 REPISA;
 //   2 "CO" for warehouse 3: 5 PAQ-TORN, automatico 1;
@@ -149,6 +152,17 @@ const char *const kFilas[] = {
     "oppart (id_entrada, op, tipo_doc, no_referen, articulo, cantidad, precio, impuesto, observ,"
     " partida, terminado, usuario, usufecha, usuhora) VALUES (3, 2, 'OP', 2, 'PAQ-TORN', 5, 15, 0,"
     " 'Paquete de tornillería', 0, 5, 'ADMIN', '2024-05-03', '12:41:00')",
+
+    "conceptos (concepto, descrip) VALUES ('OP', 'Orden de producción')",
+    "conceptos (concepto, descrip) VALUES ('EN', 'Ensamble: salida de componentes')",
+    "conceptos (concepto, descrip) VALUES ('DE', 'Ensamble: entrada del kit')",
+    "conceptos (concepto, descrip) VALUES ('COP', 'Desensamble de orden de producción')",
+    "conceptos (concepto, descrip) VALUES ('DES', 'Desensamble: entrada de componentes')",
+    "conceptos (concepto, descrip) VALUES ('DEN', 'Desensamble: salida del kit')",
+    "impuestos (impuesto, descrip, porcentaje) VALUES ('IVA16', 'IVA tasa general', 16)",
+    "impuestos (impuesto, descrip, porcentaje) VALUES ('IVA8', 'IVA región fronteriza', 8)",
+    "impuestos (impuesto, descrip, porcentaje) VALUES ('IVA0', 'IVA tasa cero', 0)",
+    "impuestos (impuesto, descrip, porcentaje) VALUES ('EXENTO', 'Exento de impuesto', 0)",
 };
 
 } // namespace

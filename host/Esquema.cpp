@@ -130,6 +130,13 @@ const Tabla kTablas[] = {
                    " fecha DATE,"
                    " hora @T(8) DEFAULT '',"
                    " estacion @T(20) DEFAULT ''"},
+    // Catalogues the editor's lookups offer: inventory concepts of orders and
+    // taxes by percentage (the percentage is what a line's tax takes).
+    {"conceptos", "concepto @T(4) NOT NULL PRIMARY KEY,"
+                  " descrip @T(60) DEFAULT ''"},
+    {"impuestos", "impuesto @T(10) NOT NULL PRIMARY KEY,"
+                  " descrip @T(60) DEFAULT '',"
+                  " porcentaje DOUBLE NOT NULL DEFAULT 0"},
 };
 
 const char *const kIndices[] = {

@@ -27,15 +27,17 @@ QString causaDeRestriccion(const QString &texto)
 {
     // SQLite: "CHECK constraint failed: nombre"; MariaDB: "CONSTRAINT `nombre` failed for ...".
     QString nombre = extrae(texto, "CHECK constraint failed: *(\\w+)");
-    if (nombre.isEmpty())
+    const bool mariadb = nombre.isEmpty();
+    if (mariadb)
         nombre = extrae(texto, "CONSTRAINT `(\\w+)` failed");
     const std::optional<Restriccion> r = restriccionLlamada(nombre);
     if (!r)
         return {};
     if (r->comilla)
         return QStringLiteral("la clave de la columna %1 de la tabla %2 no puede llevar comillas "
-                              "(') ni barras invertidas (\\); quítelas de la clave")
-            .arg(r->columna, r->tabla);
+                              "(')%3; quítelas de la clave")
+            .arg(r->columna, r->tabla,
+                 mariadb ? QStringLiteral(" ni barras invertidas (\\)") : QString());
     return QStringLiteral("el texto es demasiado largo para la columna %1 de la tabla %2, que "
                           "admite a lo más %3 caracteres")
         .arg(r->columna, r->tabla)
@@ -90,34 +92,30 @@ QString causaDeFallo(const QString &texto, int codigo)
     if (dice(texto, "multiple statements") || (sqlite == 21 && dice(texto, "not an error")))
         return QStringLiteral("el texto lleva más de una sentencia SQL; se ejecuta una sola a "
                               "la vez");
-    QString que = extrae(texto, "UNIQUE constraint failed: *([\\w.]+)");
-    if (que.isEmpty())
-        que = extrae(texto, "Duplicate entry '.*' for key '([^']*)'");
-    if (!que.isEmpty())
-        return QStringLiteral("ya existe un registro con esa clave (%1)").arg(eco(que));
-    que = extrae(texto, "NOT NULL constraint failed: *([\\w.]+)");
-    if (que.isEmpty())
-        que = extrae(texto, "Column '([^']*)' cannot be null");
-    if (!que.isEmpty())
-        return QStringLiteral("falta el valor de la columna %1, que es obligatorio").arg(eco(que));
-    que = extrae(texto, "Data too long for column '([^']*)'");
-    if (!que.isEmpty())
-        return QStringLiteral("el texto es demasiado largo para la columna %1").arg(eco(que));
-    que = extrae(texto, "no such table: *(\\S+)");
-    if (que.isEmpty())
-        que = extrae(texto, "Table '([^']*)' doesn't exist");
-    if (!que.isEmpty())
-        return QStringLiteral("no existe la tabla %1").arg(eco(que));
-    que = extrae(texto, "no such column: *(\\S+)");
-    if (que.isEmpty())
-        que = extrae(texto, "Unknown column '([^']*)'");
-    if (!que.isEmpty())
-        return QStringLiteral("no existe la columna %1").arg(eco(que));
-    que = extrae(texto, "near \"([^\"]*)\": syntax error");
-    if (que.isEmpty())
-        que = extrae(texto, "SQL syntax.*near '(.*)' at line");
-    if (!que.isEmpty() || dice(texto, "syntax error"))
-        return QStringLiteral("la sentencia está mal escrita, cerca de \"%1\"").arg(eco(que));
+    // Faults that name what they refer to: SQLite's wording, then MariaDB's.
+    struct ConNombre
+    {
+        const char *sqlite, *mariadb, *mensaje;
+    };
+    static const ConNombre kConNombre[] = {
+        {"UNIQUE constraint failed: *([\\w.]+)", "Duplicate entry '.*' for key '([^']*)'",
+         "ya existe un registro con esa clave (%1)"},
+        {"NOT NULL constraint failed: *([\\w.]+)", "Column '([^']*)' cannot be null",
+         "falta el valor de la columna %1, que es obligatorio"},
+        {"$^", "Data too long for column '([^']*)'",
+         "el texto es demasiado largo para la columna %1"},
+        {"no such table: *(\\S+)", "Table '([^']*)' doesn't exist", "no existe la tabla %1"},
+        {"no such column: *(\\S+)", "Unknown column '([^']*)'", "no existe la columna %1"},
+        {"near \"([^\"]*)\": syntax error", "SQL syntax.*near '(.*)' at line",
+         "la sentencia está mal escrita, cerca de \"%1\""},
+    };
+    for (const ConNombre &c : kConNombre) {
+        QString que = extrae(texto, c.sqlite);
+        if (que.isEmpty())
+            que = extrae(texto, c.mariadb);
+        if (!que.isEmpty())
+            return QString::fromUtf8(c.mensaje).arg(eco(que));
+    }
     if (texto.trimmed().isEmpty())
         return QStringLiteral("error desconocido");
     return QStringLiteral("el motor de base de datos respondió: %1").arg(eco(texto, 200));

@@ -7,6 +7,7 @@
 #include "tests/support/BaseDePrueba.h"
 
 #include <QFile>
+#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTest>
 
@@ -216,6 +217,20 @@ private Q_SLOTS:
                                     QString(30, 'U') + "', 'C:\\nueva\\''x')");
         QCOMPARE(base.filas("SELECT observ, LENGTH(usuario) FROM op"),
                  QStringList{"C:\\nueva\\'x 30"});
+    }
+
+    // The server lost under an open session: the next statement says so, in Spanish.
+    void servidorPerdido()
+    {
+        if (!BaseDePrueba::enMariaDB())
+            QSKIP("Sólo con un servidor MariaDB.");
+        BaseDePrueba base(false);
+        auto otra = anfitrion::Sesion::abre({.base = base.url()}, false);
+        const QString id = base.escalar("SELECT CONNECTION_ID()").toString();
+        QVERIFY(QSqlQuery(otra->conexion()).exec("KILL " + id));
+        const QString error = falla([&] { base.ejecuta("SELECT COUNT(*) FROM op"); });
+        QVERIFY2(error.contains("se perdió la conexión con el servidor MariaDB"),
+                 qPrintable(error));
     }
 
     // A database of the first version (no version row, no checks) is brought up to date on

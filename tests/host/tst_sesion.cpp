@@ -95,7 +95,8 @@ private Q_SLOTS:
             {"no es base", "@DIR/basura.db", "el archivo no es una base de datos SQLite"},
             {"bajo un archivo", "@DIR/basura.db/otra.db", "No se puede"},
             {"servidor ausente", "mariadb://root@127.0.0.1:1/zuvi",
-             "No se puede conectar con el servidor MariaDB 127.0.0.1:1"},
+             "No se puede conectar con el servidor MariaDB 127.0.0.1:1: el servidor MariaDB no "
+             "acepta la conexión"},
             {"sin nombre", "mariadb://root@127.0.0.1:1/", "Falta el nombre de la base de datos"}};
         for (const auto &[nombre, base, fragmento] : casos)
             QTest::newRow(nombre) << QString(base) << QString::fromUtf8(fragmento);

@@ -238,20 +238,31 @@ private Q_SLOTS:
         if (::geteuid() != 0 || setpriv.isEmpty())
             QSKIP("Hace falta correr como root con setpriv para probar como otro usuario.");
         QTemporaryDir dir;
-        QVERIFY(QFile::setPermissions(
-            dir.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner | QFileDevice::ReadOther |
-                            QFileDevice::ExeOther | QFileDevice::WriteOwner));
+        const auto lee = QFileDevice::ReadOwner | QFileDevice::ReadOther;
+        const auto entra = lee | QFileDevice::WriteOwner | QFileDevice::ExeOwner |
+                           QFileDevice::ExeOther; // others may not write in the folder
+        QVERIFY(QFile::setPermissions(dir.path(), entra));
         Opciones o;
         o.base = dir.filePath("base.db");
         Sesion::abre(o, true).reset();
-        QVERIFY(QFile::setPermissions(o.base, QFileDevice::ReadOwner | QFileDevice::ReadOther));
-        QProcess p;
-        p.start(setpriv,
-                {"--reuid=65534", "--regid=65534", "--clear-groups",
-                 ZUVI_BIN_DIR "/zuvi-produccion", "--base", o.base, "cancela", "1", "--si"});
-        QVERIFY(p.waitForFinished(60000));
-        const QString dice = p.readAllStandardError();
-        QVERIFY2(p.exitCode() == 1 && dice.contains("es de sólo lectura"), qPrintable(dice));
+        // The file closed to writes; then the file open but its folder closed.
+        const std::pair<QFileDevice::Permissions, const char *> casos[] = {
+            {lee,
+             "La base de datos \"@/base.db\" es de sólo lectura: el archivo no admite escritura"},
+            {lee | QFileDevice::WriteOwner | QFileDevice::WriteOther,
+             "La carpeta \"@\" de la base de datos es de sólo lectura"}};
+        for (const auto &[permisos, esperado] : casos) {
+            QVERIFY(QFile::setPermissions(o.base, permisos));
+            QProcess p;
+            p.start(setpriv,
+                    {"--reuid=65534", "--regid=65534", "--clear-groups",
+                     ZUVI_BIN_DIR "/zuvi-produccion", "--base", o.base, "cancela", "1", "--si"});
+            QVERIFY(p.waitForFinished(60000));
+            const QString dice = p.readAllStandardError();
+            QVERIFY2(p.exitCode() == 1 &&
+                         dice.contains(QString::fromUtf8(esperado).replace("@", dir.path())),
+                     qPrintable(dice));
+        }
     }
 
     void mariadbSinMinusculasSeRechaza()

@@ -100,6 +100,9 @@ LineaComandos LineaComandos::lee(const QStringList &argumentosPrograma)
         throw Error(QStringLiteral("La opción --demo solo vale con la orden crea-base."));
     if (!lc.turno.isEmpty() && lc.orden != QLatin1String("rol"))
         throw Error(QStringLiteral("La opción --turno solo vale con la orden rol."));
+    // A mistyped --base must not become a new empty database: only crea-base
+    // makes one (and the default file, made with demo data on first use).
+    lc.opciones.creaSiFalta = !lc.baseDada || lc.orden == QLatin1String("crea-base");
     return lc;
 }
 

@@ -1,6 +1,7 @@
 #include "app/Comandos.h"
 #include "app/LineaComandos.h"
 #include "app/VentanaPrincipal.h"
+#include "host/Rutas.h"
 #include "runtime/Error.h"
 
 #include <QApplication>
@@ -56,7 +57,7 @@ int main(int argc, char **argv)
     manejadorPrevio = qInstallMessageHandler(filtraMensajes);
     QStringList argumentos;
     for (int i = 1; i < argc; ++i)
-        argumentos << QString::fromLocal8Bit(argv[i]);
+        argumentos << zuvi::anfitrion::textoDeBytes(argv[i]); // a path's bytes kept
 
     LineaComandos lc;
     try {

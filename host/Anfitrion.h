@@ -20,6 +20,9 @@ struct Opciones
     QString estacion = QStringLiteral("1");
     QString trazaSql{}; // file that receives every statement executed, one a line
     bool si = false;    // yes to every question
+    // A database that does not exist is made: a SQLite file (and its folders)
+    // or a MariaDB database. Off, opening one refuses it.
+    bool creaSiFalta = true;
 };
 
 enum class Motor { SQLite, MariaDB };
@@ -38,6 +41,10 @@ struct DestinoBase
 
 // The SQLite file used when no --base is given: in the user's data folder.
 QString basePorOmision();
+
+// A --base value as a message may show it: the password hidden, control
+// characters and bytes that are not UTF-8 visible, not too long.
+QString muestraBase(const QString &base);
 
 // The host's running state for one database: the connection and the
 // environment object handed to the component.

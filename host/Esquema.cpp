@@ -8,10 +8,16 @@ namespace zuvi::anfitrion {
 
 namespace {
 
-// Column types are written once with two markers that each engine spells its
-// own way: "@ID" an auto-numbered key, "@T(n)" a text of up to n characters.
-// Text compares without regard to case on both engines, as the module's
-// lookups expect (MariaDB's default collation does so already).
+// Column types are written once with markers that each engine spells its own
+// way: "@ID" an auto-numbered key, "@T(n)" a text of up to n characters,
+// "@K(n)" such a text that is also a key the module writes between quotes
+// into its statements, so it may not hold a quote (nor, on MariaDB, a
+// backslash). Text compares without regard to case on both engines, as the
+// module's lookups expect (MariaDB's default collation does so already).
+//
+// Every text column carries a named check of its length, and every key one a
+// named check against quotes, so a text that does not fit is refused instead
+// of cut or stored over-long, and the host can say which column refused it.
 struct Tabla
 {
     const char *nombre;
@@ -40,7 +46,7 @@ const Tabla kTablas[] = {
                " op INT NOT NULL,"
                " tipo_doc @T(10) DEFAULT '',"
                " no_referen INT DEFAULT 0,"
-               " articulo @T(30) NOT NULL,"
+               " articulo @K(30) NOT NULL,"
                " cantidad DOUBLE DEFAULT 0,"
                " precio DOUBLE DEFAULT 0,"
                " impuesto DOUBLE DEFAULT 0,"
@@ -51,7 +57,7 @@ const Tabla kTablas[] = {
                " usufecha DATE,"
                " usuhora @T(8) DEFAULT ''"},
     // Catalogues other modules of the suite own.
-    {"prods", "articulo @T(30) NOT NULL PRIMARY KEY,"
+    {"prods", "articulo @K(30) NOT NULL PRIMARY KEY,"
               " descrip @T(100) DEFAULT '',"
               " unidad @T(10) DEFAULT '',"
               " costo_u DOUBLE DEFAULT 0,"
@@ -59,45 +65,45 @@ const Tabla kTablas[] = {
               " kit SMALLINT NOT NULL DEFAULT 0,"
               " costo DOUBLE DEFAULT 0,"
               " precio DOUBLE DEFAULT 0"},
-    {"clavesadd", "clave @T(30) NOT NULL PRIMARY KEY,"
-                  " Articulo @T(30) NOT NULL,"
+    {"clavesadd", "clave @K(30) NOT NULL PRIMARY KEY,"
+                  " Articulo @K(30) NOT NULL,"
                   " Dato1 @T(60) DEFAULT '',"
                   " Dato2 @T(60) DEFAULT '',"
                   " unidad @T(10) DEFAULT ''"},
-    {"monedas", "moneda @T(10) NOT NULL PRIMARY KEY,"
+    {"monedas", "moneda @K(10) NOT NULL PRIMARY KEY,"
                 " nombre @T(40) DEFAULT '',"
                 " Tc DOUBLE NOT NULL DEFAULT 1,"
                 " Base SMALLINT NOT NULL DEFAULT 0"},
-    {"vends", "vend @T(10) NOT NULL PRIMARY KEY,"
+    {"vends", "vend @K(10) NOT NULL PRIMARY KEY,"
               " Nombre @T(60) DEFAULT ''"},
     {"almacen", "almacen INT NOT NULL PRIMARY KEY,"
                 " nombre @T(60) DEFAULT ''"},
     // Kit recipes: one header per kit, one line per component.
-    {"componen", "articulo @T(30) NOT NULL PRIMARY KEY,"
+    {"componen", "articulo @K(30) NOT NULL PRIMARY KEY,"
                  " Minimo DOUBLE NOT NULL DEFAULT 1"},
     {"comppart", "id @ID,"
-                 " articulo @T(30) NOT NULL,"
-                 " Componente @T(30) NOT NULL,"
+                 " articulo @K(30) NOT NULL,"
+                 " Componente @K(30) NOT NULL,"
                  " Cantidad DOUBLE NOT NULL DEFAULT 0,"
                  " Almacen INT NOT NULL DEFAULT 1"},
     // Shifts and schedules.
-    {"turnos", "turno @T(40) NOT NULL PRIMARY KEY,"
+    {"turnos", "turno @K(40) NOT NULL PRIMARY KEY,"
                " entrada @T(5) DEFAULT '',"
                " comida @T(5) DEFAULT '',"
                " salida @T(5) DEFAULT '',"
                " descanso @T(10) DEFAULT '',"
                " regcomida @T(5) DEFAULT ''"},
-    {"turnoempleado", "turno @T(40) NOT NULL,"
-                      " empleado @T(20) NOT NULL,"
+    {"turnoempleado", "turno @K(40) NOT NULL,"
+                      " empleado @K(20) NOT NULL,"
                       " PRIMARY KEY (turno, empleado)"},
     {"horarios", "id @ID,"
-                 " turno @T(40) NOT NULL,"
+                 " turno @K(40) NOT NULL,"
                  " fecha DATE NOT NULL,"
-                 " Empleado @T(20) NOT NULL,"
+                 " Empleado @K(20) NOT NULL,"
                  " HoraEntrada @T(5) DEFAULT '',"
                  " comida @T(5) DEFAULT '',"
                  " HoraSalida @T(5) DEFAULT ''"},
-    {"empleados", "empleado @T(20) NOT NULL PRIMARY KEY,"
+    {"empleados", "empleado @K(20) NOT NULL PRIMARY KEY,"
                   " nombre @T(60) DEFAULT ''"},
     // The host's own tables.
     {"mensajes", "numero INT NOT NULL PRIMARY KEY,"
@@ -137,6 +143,9 @@ const Tabla kTablas[] = {
     {"impuestos", "impuesto @T(10) NOT NULL PRIMARY KEY,"
                   " descrip @T(60) DEFAULT '',"
                   " porcentaje DOUBLE NOT NULL DEFAULT 0"},
+    // The version of this schema the database holds (one row).
+    {"versionbase", "clave SMALLINT NOT NULL PRIMARY KEY,"
+                    " version INT NOT NULL"},
 };
 
 const char *const kIndices[] = {
@@ -148,33 +157,116 @@ const char *const kIndices[] = {
     "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
 };
 
-QString escribeTipos(QString columnas, Motor motor)
+const QRegularExpression &columnaTexto()
+{
+    static const QRegularExpression r(QStringLiteral("(\\w+) @([TK])\\((\\d+)\\)"));
+    return r;
+}
+
+QString escribeTipos(const QString &columnas, Motor motor)
 {
     const bool lite = motor == Motor::SQLite;
-    columnas.replace(QStringLiteral("@ID"),
-                     lite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")
-                          : QStringLiteral("INT NOT NULL AUTO_INCREMENT PRIMARY KEY"));
-    static const QRegularExpression texto(QStringLiteral("@T\\((\\d+)\\)"));
-    columnas.replace(texto, lite ? QStringLiteral("VARCHAR(\\1) COLLATE NOCASE")
-                                 : QStringLiteral("VARCHAR(\\1)"));
-    return columnas;
+    QString salida = columnas;
+    salida.replace(QStringLiteral("@ID"),
+                   lite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")
+                        : QStringLiteral("INT NOT NULL AUTO_INCREMENT PRIMARY KEY"));
+    // MariaDB cuts a text to its column before a check sees it: one spare
+    // character lets the length check see that it was longer.
+    QString resultado;
+    qsizetype desde = 0;
+    for (const QRegularExpressionMatch &m : columnaTexto().globalMatch(salida)) {
+        const int largo = m.captured(3).toInt();
+        resultado += salida.mid(desde, m.capturedStart() - desde);
+        resultado +=
+            lite ? QStringLiteral("%1 VARCHAR(%2) COLLATE NOCASE").arg(m.captured(1)).arg(largo)
+                 : QStringLiteral("%1 VARCHAR(%2)").arg(m.captured(1)).arg(largo + 1);
+        desde = m.capturedEnd();
+    }
+    return resultado + salida.mid(desde);
 }
 
 } // namespace
 
+QList<Restriccion> restriccionesDe(const QString &tabla, Motor motor)
+{
+    QList<Restriccion> r;
+    for (const Tabla &t : kTablas) {
+        if (tabla.compare(QLatin1String(t.nombre), Qt::CaseInsensitive) != 0)
+            continue;
+        const QString columnas = QLatin1String(t.columnas);
+        for (const QRegularExpressionMatch &m : columnaTexto().globalMatch(columnas)) {
+            const QString columna = m.captured(1);
+            const int largo = m.captured(3).toInt();
+            const QString base = QStringLiteral("%1_%2_").arg(QLatin1String(t.nombre), columna);
+            const QString mide = motor == Motor::SQLite ? QStringLiteral("length(%1) <= %2")
+                                                        : QStringLiteral("CHAR_LENGTH(%1) <= %2");
+            r.append({base + QStringLiteral("largo"), QLatin1String(t.nombre), columna, largo,
+                      mide.arg(columna).arg(largo), false});
+            if (m.captured(2) != QLatin1String("K"))
+                continue;
+            const QString sinComilla =
+                motor == Motor::SQLite
+                    ? QStringLiteral("instr(%1, '''') = 0")
+                    : QStringLiteral("LOCATE('''', %1) = 0 AND LOCATE(CHAR(92), %1) = 0");
+            r.append({base + QStringLiteral("comilla"), QLatin1String(t.nombre), columna, largo,
+                      sinComilla.arg(columna), true});
+        }
+    }
+    return r;
+}
+
+std::optional<Restriccion> restriccionLlamada(const QString &nombre)
+{
+    static const QList<Restriccion> todas = [] {
+        QList<Restriccion> l;
+        for (const Tabla &t : kTablas)
+            l += restriccionesDe(QLatin1String(t.nombre), Motor::SQLite);
+        return l;
+    }();
+    for (const Restriccion &r : todas)
+        if (r.nombre.compare(nombre, Qt::CaseInsensitive) == 0)
+            return r;
+    return std::nullopt;
+}
+
+int largoColumna(const QString &tabla, const QString &columna)
+{
+    for (const Restriccion &r : restriccionesDe(tabla, Motor::SQLite))
+        if (r.columna.compare(columna, Qt::CaseInsensitive) == 0)
+            return r.largo;
+    return 0;
+}
+
+QString sentenciaTabla(const QString &tabla, Motor motor, const QString &nombreNuevo)
+{
+    for (const Tabla &t : kTablas) {
+        if (tabla.compare(QLatin1String(t.nombre), Qt::CaseInsensitive) != 0)
+            continue;
+        QString columnas = escribeTipos(QLatin1String(t.columnas), motor);
+        for (const Restriccion &r : restriccionesDe(tabla, motor))
+            columnas += QStringLiteral(", CONSTRAINT %1 CHECK (%2)").arg(r.nombre, r.condicion);
+        return QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (%2%3")
+            .arg(nombreNuevo.isEmpty() ? QLatin1String(t.nombre) : nombreNuevo, columnas,
+                 motor == Motor::MariaDB ? QStringLiteral(") ENGINE=InnoDB DEFAULT CHARSET=utf8mb4")
+                                         : QStringLiteral(")"));
+    }
+    return {};
+}
+
+QStringList sentenciasIndices()
+{
+    QStringList r;
+    for (const char *indice : kIndices)
+        r << QLatin1String(indice);
+    return r;
+}
+
 QStringList sentenciasEsquema(Motor motor)
 {
     QStringList sentencias;
-    const QString final = motor == Motor::MariaDB
-                              ? QStringLiteral(") ENGINE=InnoDB DEFAULT CHARSET=utf8mb4")
-                              : QStringLiteral(")");
-    for (const Tabla &t : kTablas)
-        sentencias << QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (%2%3")
-                          .arg(QLatin1String(t.nombre),
-                               escribeTipos(QLatin1String(t.columnas), motor), final);
-    for (const char *indice : kIndices)
-        sentencias << QLatin1String(indice);
-    return sentencias;
+    for (const QString &t : tablasEsquema())
+        sentencias << sentenciaTabla(t, motor);
+    return sentencias + sentenciasIndices();
 }
 
 QStringList tablasEsquema()
@@ -208,6 +300,8 @@ void insertaFilasBase(const QSqlDatabase &db, Motor motor)
     // barcode reader.
     ejecuta(db,
             inserta + QStringLiteral(" estaciones (estacion, almacen, lector) VALUES ('1', 1, 0)"));
+    ejecutaConValores(db, inserta + QStringLiteral(" versionbase (clave, version) VALUES (1, ?)"),
+                      {kVersionEsquema});
 }
 
 } // namespace zuvi::anfitrion

@@ -1,6 +1,7 @@
 #include "host/Sql.h"
 
 #include "host/Anfitrion.h"
+#include "host/CausaError.h"
 #include "host/SqlInterno.h"
 #include "runtime/Error.h"
 
@@ -42,8 +43,9 @@ FalloSql falloDe(const QSqlError &e)
 
 [[noreturn]] void lanza(const FalloSql &f, const QString &sql)
 {
-    const QString texto = f.texto.isEmpty() ? QStringLiteral("error desconocido") : f.texto;
-    throw Error(QStringLiteral("Error de base de datos: %1 [%2]").arg(texto, sql), f.codigo);
+    throw Error(
+        QStringLiteral("Error de base de datos: %1 [%2]").arg(causaDeFallo(f.texto, f.codigo), sql),
+        f.codigo);
 }
 
 [[noreturn]] void falla(const QSqlError &e, const QString &sql)
@@ -60,6 +62,8 @@ void exigeAbierta(const QSqlDatabase &db)
 QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
 {
     exigeAbierta(db);
+    if (sql.contains(QChar(u'\0'))) // SQLite would stop reading there
+        lanza({QStringLiteral("El texto de la sentencia lleva un carácter nulo"), 0}, sql);
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(sql))

@@ -75,7 +75,7 @@ void traza(const QString &sentencia);
 Motor motorDe(const QSqlDatabase &db);
 
 // A value written as an SQL literal the way the engine reads it back: texts,
-// dates and times quoted (a quote doubled; on MariaDB a backslash too),
+// dates and times quoted (a quote doubled; a backslash is itself on both),
 // numbers as they are, booleans as 1 and 0, null as NULL.
 QString literalSql(const QVariant &valor, Motor motor);
 

@@ -469,8 +469,6 @@ QString literalSql(const QVariant &v, Motor motor)
         return citado(v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
     default: {
         QString t = v.toString();
-        if (motor == Motor::MariaDB)
-            t.replace(QLatin1Char('\\'), QStringLiteral("\\\\"));
         t.replace(QLatin1Char('\''), QStringLiteral("''"));
         return citado(t);
     }

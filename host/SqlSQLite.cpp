@@ -253,6 +253,12 @@ std::unique_ptr<SentenciaPreparada> preparaEnSQLite(void *manejador, const QStri
                                                     FalloSql &fallo)
 {
     auto *db = static_cast<sqlite3 *>(manejador);
+    // SQLite reads a text up to its first null character: "DELETE FROM op\0
+    // WHERE ..." would run as a DELETE of every row.
+    if (sql.contains(QChar(u'\0'))) {
+        fallo = {QStringLiteral("El texto de la sentencia lleva un carácter nulo"), SQLITE_MISUSE};
+        return nullptr;
+    }
     const QByteArray texto = sql.toUtf8();
     sqlite3_stmt *st = nullptr;
     const char *resto = nullptr;

@@ -86,18 +86,6 @@ private Q_SLOTS:
                  QString(des ? "SOPORTE 3 9.5, TORN-01 1 5010" : "SOPORTE 3 15, TORN-01 1 4988"));
     }
 
-    void codigoConComillaSeReportaYLoAplicadoQueda()
-    {
-        // The second component's code breaks the statement; the first one's movement stays.
-        base->ejecuta("INSERT INTO componen (articulo, Minimo) VALUES ('RARO', 1)");
-        base->ejecuta("INSERT INTO comppart (articulo, Componente, Cantidad, Almacen) VALUES "
-                      "('RARO', 'TORN-01', 1, 1), ('RARO', 'X''Y', 1, 1)");
-        p->Ensamble(QStringLiteral("RARO"), 1, 2, 0);
-        QVERIFY(reportes->textos.size() == 1 && reportes->textos[0].contains("articulo = 'X'Y'"));
-        QCOMPARE(base->filas(kMovimientos), QStringList{"S EN 1 1 1 TORN-01 2 0.5"});
-        QCOMPARE(existencias(), QString("SOPORTE 3 12, TORN-01 1 4998"));
-    }
-
     void movimientoAtomico()
     {
         // A stock change the database refuses takes the movement row with it.

@@ -1,13 +1,33 @@
 // Runs on SQLite and again on the MariaDB test server.
 
+#include "host/ConstructorSqlAnfitrion.h"
 #include "host/Esquema.h"
+#include "host/Sql.h"
+#include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 
+#include <QFile>
+#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTest>
 
 using namespace zuvi;
 using pruebas::BaseDePrueba;
+
+namespace {
+
+// The description of the Error the call throws; empty when it throws none.
+template <typename F> QString falla(F &&llamada)
+{
+    try {
+        llamada();
+    } catch (const Error &e) {
+        return e.description();
+    }
+    return {};
+}
+
+} // namespace
 
 class TstEsquema : public QObject
 {
@@ -104,6 +124,170 @@ private Q_SLOTS:
         for (const QString &t : anfitrion::tablasEsquema())
             QCOMPARE(cuenta(base, t), antes.value(t));
         QCOMPARE(base.escalar("SELECT texto FROM mensajes WHERE numero = 72").toString(), "Propio");
+    }
+
+    // A key the module writes between quotes cannot hold a quote (nor a backslash on MariaDB),
+    // by any path: a plain statement, the builder's bound INSERT, an UPDATE. The message names
+    // the column; nothing is stored.
+    void claveConComillaSeRechaza_data()
+    {
+        QTest::addColumn<QString>("como"); // "sql" a plain statement, else the builder's tipo
+        QTest::addColumn<QString>("tabla");
+        QTest::addColumn<QString>("columna");
+        QTest::addColumn<QString>("valor");
+        const bool maria = BaseDePrueba::enMariaDB();
+        QTest::newRow("turno INSERT enlazado") << "INSERT"
+                                               << "turnos"
+                                               << "turno"
+                                               << "X' OR '1'='1";
+        QTest::newRow("turno UPDATE enlazado") << "UPDATE"
+                                               << "turnos"
+                                               << "turno"
+                                               << "NOCHE'";
+        QTest::newRow("miembro") << "INSERT"
+                                 << "turnoempleado"
+                                 << "empleado"
+                                 << "E'1";
+        QTest::newRow("artículo por sentencia") << "sql"
+                                                << "prods"
+                                                << "articulo"
+                                                << "A''B";
+        QTest::newRow("componente") << "sql"
+                                    << "comppart"
+                                    << "Componente"
+                                    << "''";
+        QTest::newRow("clave adicional") << "UPDATE"
+                                         << "clavesadd"
+                                         << "clave"
+                                         << "C'";
+        if (maria)
+            QTest::newRow("barra invertida") << "INSERT"
+                                             << "vends"
+                                             << "vend"
+                                             << "V\\";
+    }
+    void claveConComillaSeRechaza()
+    {
+        QFETCH(QString, como);
+        QFETCH(QString, tabla);
+        QFETCH(QString, columna);
+        QFETCH(QString, valor);
+        BaseDePrueba base(true);
+        base.ejecuta("INSERT INTO clavesadd (clave, Articulo) VALUES ('C1', 'SOPORTE')");
+        base.ejecuta("INSERT INTO vends (vend) VALUES ('V1')");
+        const QString antes = base.filas("SELECT * FROM " + tabla).join('|');
+        const QString error = falla([&] {
+            if (como == "sql") {
+                const QString otra = tabla == "comppart" ? ", articulo" : "";
+                base.ambiente()->EjecutaSQL(
+                    QString("INSERT INTO %1 (%2%3) VALUES ('%4'%5)")
+                        .arg(tabla, columna, otra, valor, otra.isEmpty() ? "" : ", 'REPISA'"));
+                return;
+            }
+            anfitrion::ConstructorSqlAnfitrion c;
+            c.PonConexion(base.conexion());
+            c.Tipo(como);
+            c.AgregaCampo(tabla, columna, valor);
+            if (tabla == "turnoempleado")
+                c.AgregaCampo(tabla, "turno", "NOCHE");
+            c.Condicion(columna + " IS NOT NULL");
+            c.Genera(tabla);
+            c.Ejecuta();
+        });
+        QVERIFY2(error.contains(QString("la columna %1 de la tabla %2 no puede llevar comillas")
+                                    .arg(columna, tabla)),
+                 qPrintable(error));
+        QCOMPARE(base.filas("SELECT * FROM " + tabla).join('|'), antes);
+    }
+
+    // A text longer than its column is refused, not cut (MariaDB) nor stored whole (SQLite);
+    // one that fits, a backslash in it, is stored and read back as it was on both engines.
+    void textoLargoSeRechazaYBarraEsLiteral()
+    {
+        BaseDePrueba base(false);
+        const QString error = falla([&] {
+            base.ambiente()->EjecutaSQL("INSERT INTO op (op, usuario) VALUES (9, '" +
+                                        QString(31, 'U') + "')");
+        });
+        QVERIFY2(error.contains("demasiado largo para la columna usuario de la tabla op, que "
+                                "admite a lo más 30"),
+                 qPrintable(error));
+        QCOMPARE(cuenta(base, "op"), 0);
+        base.ambiente()->EjecutaSQL("INSERT INTO op (op, usuario, observ) VALUES (9, '" +
+                                    QString(30, 'U') + "', 'C:\\nueva\\''x')");
+        QCOMPARE(base.filas("SELECT observ, LENGTH(usuario) FROM op"),
+                 QStringList{"C:\\nueva\\'x 30"});
+    }
+
+    // The server lost under an open session: the next statement says so, in Spanish.
+    void servidorPerdido()
+    {
+        if (!BaseDePrueba::enMariaDB())
+            QSKIP("Sólo con un servidor MariaDB.");
+        BaseDePrueba base(false);
+        auto otra = anfitrion::Sesion::abre({.base = base.url()}, false);
+        const QString id = base.escalar("SELECT CONNECTION_ID()").toString();
+        QVERIFY(QSqlQuery(otra->conexion()).exec("KILL " + id));
+        const QString error = falla([&] { base.ejecuta("SELECT COUNT(*) FROM op"); });
+        QVERIFY2(error.contains("se perdió la conexión con el servidor MariaDB"),
+                 qPrintable(error));
+    }
+
+    // A database of the first version (no version row, no checks) is brought up to date on
+    // opening: its rows stay, the checks hold from then on. One with a key that no longer fits
+    // is refused, naming the row, and left as it was.
+    void actualizaDesdeVersion1()
+    {
+        for (const bool conComilla : {false, true}) {
+            BaseDePrueba base(false);
+            for (const QString &t : base.conexion().tables())
+                if (!t.startsWith("sqlite_"))
+                    base.ejecuta("DROP TABLE " + t);
+            QFile f(QStringLiteral(ZUVI_SOURCE_DIR "/tests/host/datos/esquema-v1-%1.sql")
+                        .arg(BaseDePrueba::enMariaDB() ? "mariadb" : "sqlite"));
+            QVERIFY(f.open(QIODevice::ReadOnly));
+            for (const QByteArray &linea : f.readAll().split('\n'))
+                if (!linea.isEmpty() && !linea.startsWith("--"))
+                    base.ejecuta(QString::fromUtf8(linea));
+            const QStringList filas = {
+                "INSERT INTO mensajes (numero, texto) VALUES (72, 'Propio')",
+                "INSERT INTO prods (articulo, descrip, kit) VALUES ('KIT', 'Kit', 1)",
+                "INSERT INTO turnos (turno, entrada) VALUES ('NOCHE', '22:00')",
+                "INSERT INTO comppart (articulo, Componente, Cantidad) VALUES ('KIT', 'TORNILLO', "
+                "4)",
+                conComilla ? "INSERT INTO turnos (turno) VALUES ('O''NEIL')"
+                           : "INSERT INTO op (op, usuario) VALUES (7, 'ANA')"};
+            for (const QString &sql : filas)
+                base.ejecuta(sql);
+            QCOMPARE(anfitrion::versionDe(base.conexion()), 1);
+            const QString vistas = "SELECT articulo, descrip FROM prods UNION ALL SELECT turno, "
+                                   "entrada FROM turnos UNION ALL SELECT Componente, Cantidad "
+                                   "FROM comppart UNION ALL SELECT texto, numero FROM mensajes";
+            const QStringList antes = base.filas(vistas);
+
+            const QString error =
+                falla([&] { anfitrion::Sesion::abre({.base = base.url()}, false); });
+            if (conComilla) {
+                QVERIFY2(error.contains("no se pudo poner al día") ||
+                             error.contains("No se pudo poner al día"),
+                         qPrintable(error));
+                QVERIFY2(error.contains("turnos.turno = \"O'NEIL\""), qPrintable(error));
+                QCOMPARE(anfitrion::versionDe(base.conexion()), 1);
+                QCOMPARE(base.filas(vistas), antes);
+                continue;
+            }
+            QCOMPARE(error, QString());
+            QCOMPARE(anfitrion::versionDe(base.conexion()), anfitrion::kVersionEsquema);
+            QCOMPARE(base.filas(vistas), antes);
+            for (const QString &t : anfitrion::tablasEsquema())
+                QVERIFY2(base.conexion().tables().contains(t, Qt::CaseInsensitive), qPrintable(t));
+            QVERIFY(!falla([&] {
+                         base.ejecuta("INSERT INTO prods (articulo) VALUES ('A''B')");
+                     }).isEmpty());
+            // The numbering of an auto-numbered key carries on after the copied rows.
+            base.ejecuta("INSERT INTO comppart (articulo, Componente) VALUES ('KIT', 'TUERCA')");
+            QCOMPARE(base.filas("SELECT id FROM comppart ORDER BY id"), QStringList({"1", "2"}));
+        }
     }
 };
 

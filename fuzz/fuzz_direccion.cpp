@@ -1,0 +1,43 @@
+// Reading a --base value and keeping a path's bytes. A value is a SQLite
+// path or a MariaDB address with a port in range and a plain database name,
+// or it is refused with a message that never shows the password; a path's
+// bytes come back exactly as they were given.
+
+#include "Entrada.h"
+#include "Exige.h"
+#include "host/Anfitrion.h"
+#include "host/Rutas.h"
+#include "runtime/Error.h"
+
+#include <QRegularExpression>
+
+using namespace zuvi;
+using namespace zuvi::anfitrion;
+using zuvi::fuzz::exige;
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t largo)
+{
+    const QByteArray bytes(reinterpret_cast<const char *>(datos), qsizetype(largo));
+    const QString texto = textoDeBytes(bytes);
+    exige(bytesDeTexto(texto) == bytes, "los bytes de una ruta vuelven iguales");
+    exige(!muestraRuta(texto).contains(QChar(0x1b)), "una ruta se muestra sin escapes");
+
+    // The password of an address, when it has one: it must never be shown.
+    static const QRegularExpression conClave(QStringLiteral("^\\s*[^:/]+://[^:@/]*:([^@/]{6,})@"));
+    const QString clave = conClave.match(texto).captured(1);
+    try {
+        const DestinoBase d = DestinoBase::lee(texto);
+        if (d.motor == Motor::MariaDB) {
+            exige(d.puerto >= 1 && d.puerto <= 65535, "un puerto en rango");
+            static const QRegularExpression nombre(QStringLiteral("^[A-Za-z0-9_$]{0,64}$"));
+            exige(nombre.match(d.nombre).hasMatch(), "un nombre de base sin comillas");
+            exige(!d.servidor.isEmpty(), "un servidor");
+        } else {
+            exige(!d.ruta.isEmpty(), "una ruta");
+        }
+    } catch (const Error &e) {
+        exige(clave.isEmpty() || !e.description().contains(clave), "la clave no se muestra");
+        exige(!e.description().contains(QChar(0x1b)), "el mensaje no lleva escapes");
+    }
+    return 0;
+}

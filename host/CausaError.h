@@ -1,0 +1,20 @@
+#pragma once
+
+// What a database engine's error means, said in Spanish for the person who
+// reads it: the engines answer in English and in their own words, and the
+// same fault (a full disk, a lost server) reads differently on each.
+
+#include <QString>
+
+namespace zuvi::anfitrion {
+
+// The Spanish cause of an error, from the engine's text and its native code
+// (SQLite's extended code or MariaDB's error number). A cause the host does
+// not know keeps the engine's text, introduced in Spanish.
+QString causaDeFallo(const QString &texto, int codigo);
+
+// The message of one of the schema's named checks (a key with a quote, a text
+// too long for its column) when the text is its refusal; empty otherwise.
+QString causaDeRestriccion(const QString &texto);
+
+} // namespace zuvi::anfitrion

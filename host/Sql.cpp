@@ -10,6 +10,7 @@
 #include <QSqlError>
 
 #include <array>
+#include <cstring>
 #include <list>
 #include <unordered_map>
 
@@ -95,9 +96,27 @@ private:
     QSqlQuery m_q;
 };
 
+// The kept texts are the program's own statements, not keys anyone picks to
+// collide: a multiply per four characters spreads them well enough.
 struct HashTexto
 {
-    size_t operator()(QStringView t) const noexcept { return qHash(t); }
+    size_t operator()(QStringView t) const noexcept
+    {
+        constexpr quint64 kMezcla = 0xff51afd7ed558ccdULL;
+        const char16_t *p = t.utf16();
+        const qsizetype n = t.size();
+        quint64 h = 0x9e3779b97f4a7c15ULL ^ quint64(n);
+        qsizetype i = 0;
+        for (; i + 4 <= n; i += 4) {
+            quint64 w;
+            std::memcpy(&w, p + i, sizeof w);
+            h = (h ^ w) * kMezcla;
+            h ^= h >> 29;
+        }
+        for (; i < n; ++i)
+            h = (h ^ p[i]) * kMezcla;
+        return size_t(h ^ (h >> 32));
+    }
 };
 
 // The statements kept for one connection, the most recently used first; when
@@ -211,8 +230,7 @@ Preparadas &preparadasDe(const QSqlDatabase &db)
     Ultima &u = ultima();
     // The same connection as the last statement, its handle unchanged: no
     // name to copy nor handle to ask the driver for.
-    const QSqlDriver *driver = db.driver();
-    if (u.driver == driver && u.preparadas && driver->isOpen() && u.preparadas->vigente())
+    if (u.driver == db.driver() && u.preparadas && u.preparadas->vigente())
         return *u.preparadas;
     exigeAbierta(db);
     const QString nombre = db.connectionName();

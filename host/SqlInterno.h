@@ -11,6 +11,7 @@
 #include <QVarLengthArray>
 #include <QVariantList>
 
+#include <array>
 #include <memory>
 #include <string>
 
@@ -30,21 +31,41 @@ struct Literal
     bool comillaDoble = false; // a text with '' inside: bound with the quote once
     qint64 entero = 0;
     double real = 0;
-    QStringView texto; // inside the quotes
+    QStringView texto;              // inside the quotes
+    qsizetype desde = 0, hasta = 0; // where it stands in the text, quotes included
 };
 using Literales = QVarLengthArray<Literal, 8>;
 
+// A text the scanner read, kept as the mould of the texts that differ from it
+// only in their literals: those are read without scanning them again.
+struct Molde
+{
+    QString original;
+    std::u16string texto; // its normalized text
+    struct Hueco
+    {
+        qsizetype desde, hasta;
+        Literal::Tipo tipo;
+    };
+    QVarLengthArray<Hueco, 4> huecos;
+    Motor motor{};
+};
+
 // What the scanner leaves of one text, in buffers kept from one text to the
-// next: the text with '?' in place of its literals, and the literals.
+// next: the text with '?' in place of its literals, and the literals; and the
+// moulds of the last texts read, by their first characters.
 struct Normalizacion
 {
     std::u16string texto;
     Literales literales;
+    std::array<Molde, 32> moldes;
     QStringView vista() const { return QStringView(texto.data(), qsizetype(texto.size())); }
 };
 
 // Scans sql into n; false when the text must run as it is (see
-// normalizaSentencia). The literals point into sql.
+// normalizaSentencia). The literals point into sql. A text that fits a
+// mould kept in n (the same text around literals of the same kinds) is read
+// from the mould: the scan would give the same.
 bool normaliza(const QString &sql, Motor motor, Normalizacion &n);
 
 // A literal as a bound value: a number, or its text with a doubled quote once.

@@ -13,7 +13,9 @@
 #include <QTime>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 #include <string_view>
 
 namespace zuvi::anfitrion {
@@ -34,24 +36,44 @@ struct Nivel
     bool patron = false; // after LIKE and its kin, until the next AND, OR or ','
 };
 
-bool esLetra(char16_t u)
+// What an ASCII character is to the scanner, looked up in one table.
+enum : quint8 { kBlanco = 1, kInicial = 2, kDeNombre = 4, kDigito = 8 };
+
+constexpr std::array<quint8, 128> kClases = [] {
+    std::array<quint8, 128> t{};
+    for (char16_t c = 0; c < 128; ++c) {
+        const bool letra = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
+        const bool digito = c >= u'0' && c <= u'9';
+        t[c] = quint8((c == u' ' || (c >= u'\t' && c <= u'\r') ? kBlanco : 0) |
+                      (letra ? kInicial : 0) | (letra || digito || c == u'$' ? kDeNombre : 0) |
+                      (digito ? kDigito : 0));
+    }
+    return t;
+}();
+
+[[gnu::noinline]] bool esOtraLetra(char16_t u, bool numero)
 {
-    if (u < 128)
-        return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || u == u'_';
-    return QChar(u).isLetter();
+    return numero ? QChar(u).isLetterOrNumber() : QChar(u).isLetter();
 }
 
-bool esDeNombre(char16_t u)
+inline bool esLetra(char16_t u)
 {
-    if (u < 128)
-        return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') ||
-               u == u'_' || u == u'$';
-    return QChar(u).isLetterOrNumber();
+    return u < 128 ? (kClases[u] & kInicial) != 0 : esOtraLetra(u, false);
 }
 
-bool esDigito(char16_t u)
+inline bool esDeNombre(char16_t u)
+{
+    return u < 128 ? (kClases[u] & kDeNombre) != 0 : esOtraLetra(u, true);
+}
+
+inline bool esDigito(char16_t u)
 {
     return u >= u'0' && u <= u'9';
+}
+
+inline bool esBlanco(char16_t u)
+{
+    return u < 128 ? (kClases[u] & kBlanco) != 0 : QChar::isSpace(u);
 }
 
 // What a word of the statement does to the scan.
@@ -174,7 +196,7 @@ public:
         qsizetype blancos = -1; // where the blanks before this token start
         while (i < n) {
             const char16_t c = m_s[i];
-            if (QChar::isSpace(c)) {
+            if (esBlanco(c)) {
                 if (blancos < 0)
                     blancos = i;
                 ++i;
@@ -278,6 +300,8 @@ private:
                 l.tipo = Literal::Tipo::Texto;
                 l.comillaDoble = dobles;
                 l.texto = QStringView(m_s + desde + 1, i - desde - 2);
+                l.desde = desde;
+                l.hasta = i;
                 sube(l);
             } else {
                 copia(desde, i);
@@ -344,6 +368,8 @@ private:
             l.tipo = Literal::Tipo::Real;
             l.real = texto.toDouble(&ok);
         }
+        l.desde = desde;
+        l.hasta = i;
         if (ok && subible())
             sube(l);
         else
@@ -503,9 +529,137 @@ QString textoConValores(const QString &sql, const QVariantList &valores, Motor m
 
 namespace interno {
 
+namespace {
+
+// The mould's slot of a text: its first characters, which the texts of one
+// statement share up to their first literal.
+size_t ranura(const char16_t *s, qsizetype n)
+{
+    constexpr qsizetype kPrefijo = 32;
+    quint64 h = 0x9e3779b97f4a7c15ULL;
+    for (qsizetype i = 0; i < std::min(n, kPrefijo); ++i)
+        h = (h ^ s[i]) * 0xff51afd7ed558ccdULL;
+    return size_t(h >> 40) % std::tuple_size_v<decltype(Normalizacion::moldes)>;
+}
+
+bool igual(const char16_t *a, const char16_t *b, qsizetype n)
+{
+    return std::memcmp(a, b, size_t(n) * sizeof(char16_t)) == 0;
+}
+
+// A quoted text at i, read as the scanner reads it; its end, or -1.
+qsizetype finDeTexto(const char16_t *s, qsizetype n, qsizetype i, Motor motor, bool &dobles)
+{
+    if (i >= n || s[i] != u'\'')
+        return -1;
+    for (++i; i < n; ++i) {
+        if (s[i] == u'\\' && motor == Motor::MariaDB)
+            return -1;
+        if (s[i] != u'\'')
+            continue;
+        if (i + 1 < n && s[i + 1] == u'\'') {
+            dobles = true;
+            ++i;
+            continue;
+        }
+        return i + 1;
+    }
+    return -1;
+}
+
+// A number at i of the kind the mould had there, read as the scanner reads
+// it and only when the scanner would take it out too; its end, or -1.
+qsizetype finDeNumero(const char16_t *s, qsizetype n, qsizetype i, Literal &l)
+{
+    const qsizetype desde = i;
+    qint64 entero = 0;
+    while (i < n && esDigito(s[i]))
+        entero = entero * 10 + (s[i++] - u'0');
+    if (i == desde)
+        return -1;
+    const bool decimal = i < n && (s[i] == u'.' || s[i] == u'e' || s[i] == u'E');
+    if (l.tipo == Literal::Tipo::Entero) {
+        if (decimal || i - desde > 18)
+            return -1;
+        l.entero = entero;
+        return i;
+    }
+    if (!decimal)
+        return -1; // a whole number: the scanner takes it as one
+    if (i < n && s[i] == u'.') {
+        ++i;
+        while (i < n && esDigito(s[i]))
+            ++i;
+    }
+    if (i < n && (s[i] == u'e' || s[i] == u'E')) {
+        ++i;
+        if (i < n && (s[i] == u'+' || s[i] == u'-'))
+            ++i;
+        if (i >= n || !esDigito(s[i]))
+            return -1;
+        while (i < n && esDigito(s[i]))
+            ++i;
+    }
+    const QStringView texto(s + desde, i - desde);
+    bool ok = false;
+    if (digitosSignificativos(texto) <= 15)
+        l.real = texto.toDouble(&ok);
+    return ok ? i : -1;
+}
+
+// The literals of a text that is the mould's text around other literals of
+// the same kinds; false when it is not.
+bool encaja(const Molde &m, const char16_t *s, qsizetype n, Motor motor, Literales &literales)
+{
+    if (m.original.isNull() || m.motor != motor)
+        return false;
+    const char16_t *o = reinterpret_cast<const char16_t *>(m.original.constData());
+    qsizetype io = 0, is = 0;
+    for (const Molde::Hueco &h : m.huecos) {
+        const qsizetype tramo = h.desde - io;
+        if (is + tramo > n || !igual(s + is, o + io, tramo))
+            return false;
+        is += tramo;
+        io = h.hasta;
+        Literal l;
+        l.tipo = h.tipo;
+        l.desde = is;
+        if (h.tipo == Literal::Tipo::Texto) {
+            l.hasta = finDeTexto(s, n, is, motor, l.comillaDoble);
+            if (l.hasta >= 0)
+                l.texto = QStringView(s + is + 1, l.hasta - is - 2);
+        } else {
+            l.hasta = finDeNumero(s, n, is, l);
+        }
+        if (l.hasta < 0)
+            return false;
+        is = l.hasta;
+        literales.append(l);
+    }
+    const qsizetype resto = m.original.size() - io;
+    return n - is == resto && igual(s + is, o + io, resto);
+}
+
+} // namespace
+
 bool normaliza(const QString &sql, Motor motor, Normalizacion &n)
 {
-    return Lector(sql, motor, n).lee();
+    const auto *s = reinterpret_cast<const char16_t *>(sql.constData());
+    Molde &molde = n.moldes[ranura(s, sql.size())];
+    n.literales.clear();
+    if (encaja(molde, s, sql.size(), motor, n.literales)) {
+        n.texto.assign(molde.texto);
+        return true;
+    }
+    if (!Lector(sql, motor, n).lee())
+        return false;
+    molde.original = sql;
+    molde.texto.assign(n.texto);
+    molde.motor = motor;
+    molde.huecos.clear();
+    for (const Literal &l : n.literales)
+        molde.huecos.append({l.desde, l.hasta, l.tipo});
+    return true;
 }
 
 QVariant valorDe(const Literal &l)

@@ -139,12 +139,14 @@ private:
     int enlaza(int i, const QVariant &v)
     {
         const int n = i + 1;
-        // The variant's own null mark, read in place: a variant made of a type
-        // and no value is null whatever its type.
-        if (v.data_ptr().is_null || !v.metaType().isValid())
+        // The variant's type and null mark, read in place: a variant made of a
+        // type and no value is null whatever its type.
+        const QVariant::Private &datos = v.data_ptr();
+        const QMetaType tipo = datos.type();
+        if (datos.is_null || !tipo.iface())
             return sqlite3_bind_null(m_st, n);
         const void *d = v.constData();
-        switch (v.typeId()) {
+        switch (tipo.id()) {
         case QMetaType::Int:
             return sqlite3_bind_int64(m_st, n, *static_cast<const int *>(d));
         case QMetaType::LongLong:

@@ -138,6 +138,13 @@ double variantToDouble(const QVariant &v)
     if (v.isNull() || !v.isValid())
         return 0.0;
     switch (v.typeId()) {
+    // What a database hands back most: read in place, no conversion.
+    case QMetaType::Double:
+        return *static_cast<const double *>(v.constData());
+    case QMetaType::LongLong:
+        return double(*static_cast<const qlonglong *>(v.constData()));
+    case QMetaType::Int:
+        return *static_cast<const int *>(v.constData());
     case QMetaType::QString: {
         bool ok = false;
         const double d = v.toString().trimmed().toDouble(&ok);

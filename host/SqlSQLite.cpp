@@ -66,11 +66,11 @@ private:
 
     bool corre(RecordsetPtr *filas, ResultadoAccion *accion, FalloSql &fallo)
     {
-        QList<QVariantList> leidas;
+        QVariantList leidas;
         int rc;
         while ((rc = sqlite3_step(m_st)) == SQLITE_ROW) {
             if (filas)
-                leidas.append(fila());
+                leeFila(leidas);
         }
         if (rc != SQLITE_DONE) {
             const bool r = falla(fallo);
@@ -79,7 +79,7 @@ private:
         }
         if (filas) {
             revisaColumnas();
-            *filas = std::make_shared<Recordset>(m_columnas, std::move(leidas));
+            *filas = Recordset::fromValues(m_columnas, std::move(leidas));
         }
         if (accion) {
             accion->filas = sqlite3_changes(m_db);
@@ -207,11 +207,12 @@ private:
         }
     }
 
-    QVariantList fila()
+    // The row's values appended to f.
+    void leeFila(QVariantList &f)
     {
         const int n = sqlite3_column_count(m_st);
-        QVariantList f;
-        f.reserve(n);
+        if (f.isEmpty())
+            f.reserve(n);
         for (int i = 0; i < n; ++i) {
             switch (sqlite3_column_type(m_st, i)) {
             case SQLITE_INTEGER:
@@ -235,7 +236,6 @@ private:
             }
             }
         }
-        return f;
     }
 
     // The names are read again only when SQLite prepared the statement anew

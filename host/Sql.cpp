@@ -11,6 +11,7 @@
 #include <QSqlError>
 
 #include <array>
+#include <cstring>
 #include <list>
 #include <unordered_map>
 
@@ -99,6 +100,29 @@ private:
     QSqlQuery m_q;
 };
 
+// The kept texts are the program's own statements, not keys anyone picks to
+// collide: a multiply per four characters spreads them well enough.
+struct HashTexto
+{
+    size_t operator()(QStringView t) const noexcept
+    {
+        constexpr quint64 kMezcla = 0xff51afd7ed558ccdULL;
+        const char16_t *p = t.utf16();
+        const qsizetype n = t.size();
+        quint64 h = 0x9e3779b97f4a7c15ULL ^ quint64(n);
+        qsizetype i = 0;
+        for (; i + 4 <= n; i += 4) {
+            quint64 w;
+            std::memcpy(&w, p + i, sizeof w);
+            h = (h ^ w) * kMezcla;
+            h ^= h >> 29;
+        }
+        for (; i < n; ++i)
+            h = (h ^ p[i]) * kMezcla;
+        return size_t(h ^ (h >> 32));
+    }
+};
+
 // The statements kept for one connection, the most recently used first; when
 // full, the least recently used one goes. The driver and its handle tell a
 // connection reopened under the same name from the one they were prepared on.
@@ -109,16 +133,42 @@ struct Preparadas
         QString texto;
         std::unique_ptr<SentenciaPreparada> sentencia;
     };
+    using Lista = std::list<Entrada>;
+    // A text handed over with its values apart is most often a constant: it
+    // comes back in the same buffer, which the kept text shares, and is found
+    // by its address without hashing it. An equal address and length is the
+    // same text: a buffer shared with a kept text does not change.
+    struct Atajo
+    {
+        const QChar *datos = nullptr;
+        Lista::iterator entrada;
+    };
+
     const QSqlDriver *driver = nullptr;
     void *manejador = nullptr;
     Motor motor = Motor::SQLite;
-    std::list<Entrada> orden;
-    QHash<QString, std::list<Entrada>::iterator> indice;
+    Lista orden;
+    std::unordered_map<QStringView, Lista::iterator, HashTexto> indice; // views of the kept texts
+    std::array<Atajo, 8> atajos;
+    // BEGIN, COMMIT and ROLLBACK on SQLite, apart from the texts.
+    std::array<std::unique_ptr<SentenciaPreparada>, 3> control;
+    // The scanner's buffers, kept from one statement to the next.
+    interno::Normalizacion normalizacion;
 
     void vacia()
     {
+        atajos.fill({});
         indice.clear();
         orden.clear();
+        for (auto &s : control)
+            s.reset();
+    }
+    bool hayAbiertas() const { return !orden.empty() || control[0] || control[1] || control[2]; }
+    // Still running on the handle the driver runs: the statements of ours
+    // open on it keep a close of it from going through unnoticed.
+    bool vigente() const
+    {
+        return manejador && hayAbiertas() && !interno::marcadoOcupado(manejador);
     }
     // Drops the statements. The driver cannot close an SQLite handle while
     // statements of ours are open on it (its close fails and forgets the
@@ -127,18 +177,33 @@ struct Preparadas
     void suelta(void *vivo)
     {
         void *propio = manejador;
-        const bool habia = !orden.empty();
+        const bool habia = hayAbiertas();
         vacia();
         if (propio && habia && propio != vivo)
             interno::cierraSQLite(propio);
     }
-    void quita(const QString &texto)
+    void quita(Lista::iterator e)
     {
+        atajos.fill({});
+        indice.erase(QStringView(e->texto));
+        orden.erase(e);
+    }
+    // The kept statement of a text, or orden.end(). dado is the text as it
+    // was handed over, when it runs as it is.
+    Lista::iterator busca(QStringView texto, const QString *dado)
+    {
+        Atajo *atajo = nullptr;
+        if (dado) {
+            atajo = &atajos[(quintptr(dado->constData()) >> 4) % atajos.size()];
+            if (atajo->datos == dado->constData() && atajo->entrada->texto.size() == dado->size())
+                return atajo->entrada;
+        }
         const auto it = indice.find(texto);
         if (it == indice.end())
-            return;
-        orden.erase(*it);
-        indice.erase(it);
+            return orden.end();
+        if (atajo && it->second->texto.constData() == dado->constData())
+            *atajo = {dado->constData(), it->second};
+        return it->second;
     }
 };
 
@@ -166,8 +231,12 @@ Ultima &ultima()
 
 Preparadas &preparadasDe(const QSqlDatabase &db)
 {
-    exigeAbierta(db);
     Ultima &u = ultima();
+    // The same connection as the last statement, its handle unchanged: no
+    // name to copy nor handle to ask the driver for.
+    if (u.driver == db.driver() && u.preparadas && u.preparadas->vigente())
+        return *u.preparadas;
+    exigeAbierta(db);
     const QString nombre = db.connectionName();
     if (u.driver != db.driver() || u.nombre != nombre) {
         u = {db.driver(), nombre, &preparadas()[nombre]};
@@ -197,27 +266,26 @@ std::unique_ptr<SentenciaPreparada> preparaNueva(const QSqlDatabase &db, const P
     return std::make_unique<SentenciaQt>(std::move(q));
 }
 
-// The kept statement of a text, prepared when it is not kept; null with fallo
-// filled in when it does not prepare.
-SentenciaPreparada *preparada(const QSqlDatabase &db, Preparadas &p, const QString &texto,
-                              FalloSql &fallo)
+// The kept statement of a text, prepared when it is not kept and put first;
+// orden.end() with fallo filled in when it does not prepare.
+Preparadas::Lista::iterator preparada(const QSqlDatabase &db, Preparadas &p, QStringView texto,
+                                      const QString *dado, FalloSql &fallo)
 {
-    const auto it = p.indice.find(texto);
-    if (it != p.indice.end()) {
-        if (*it != p.orden.begin())
-            p.orden.splice(p.orden.begin(), p.orden, *it);
-        return p.orden.front().sentencia.get();
+    const auto it = p.busca(texto, dado);
+    if (it != p.orden.end()) {
+        if (it != p.orden.begin())
+            p.orden.splice(p.orden.begin(), p.orden, it);
+        return it;
     }
-    std::unique_ptr<SentenciaPreparada> nueva = preparaNueva(db, p, texto, fallo);
+    QString guardado = dado ? *dado : texto.toString();
+    std::unique_ptr<SentenciaPreparada> nueva = preparaNueva(db, p, guardado, fallo);
     if (!nueva)
-        return nullptr;
-    if (p.orden.size() >= size_t(kMaximoPreparadas)) {
-        p.indice.remove(p.orden.back().texto);
-        p.orden.pop_back();
-    }
-    p.orden.push_front({texto, std::move(nueva)});
-    p.indice.insert(texto, p.orden.begin());
-    return p.orden.front().sentencia.get();
+        return p.orden.end();
+    if (p.orden.size() >= size_t(kMaximoPreparadas))
+        p.quita(std::prev(p.orden.end()));
+    p.orden.push_front({std::move(guardado), std::move(nueva)});
+    p.indice.emplace(QStringView(p.orden.front().texto), p.orden.begin());
+    return p.orden.begin();
 }
 
 // The text a statement is traced and reported with: the one given, or the
@@ -237,37 +305,6 @@ void trazaSentencia(const QSqlDatabase &db, const QString &sql, const QVariantLi
         traza(textoDe(db, sql, valores, textoTraza));
 }
 
-// A text with no quote and no digit (BEGIN, COMMIT, a fixed query) has no
-// literal to hoist: it is kept as it is, without scanning it.
-bool puedeTenerLiterales(const QString &sql)
-{
-    for (const QChar c : sql) {
-        const char16_t u = c.unicode();
-        if (u == u'\'' || (u >= u'0' && u <= u'9'))
-            return true;
-    }
-    return false;
-}
-
-// The scanner's answer for a text, remembered for the last texts seen: the
-// same article or order comes back line after line. One slot per hash, the
-// newer text taking the slot.
-SentenciaNormalizada normalizada(const QString &sql, Motor motor)
-{
-    struct Recordada
-    {
-        QString original;
-        Motor motor = Motor::SQLite;
-        SentenciaNormalizada normalizada;
-    };
-    constexpr size_t kRecordadas = 512;
-    static std::array<Recordada, kRecordadas> recordadas;
-    Recordada &r = recordadas[qHash(sql) % kRecordadas];
-    if (r.motor != motor || r.original != sql)
-        r = {sql, motor, normalizaSentencia(sql, motor)};
-    return r.normalizada;
-}
-
 // Runs a kept statement. A text handed over with its values written in runs
 // as the kept statement of its normalized text, its literals bound; on
 // failure the statement is dropped, so a lost connection or a changed table
@@ -277,19 +314,48 @@ void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariant
 {
     trazaSentencia(db, sql, valores, textoTraza);
     Preparadas &p = preparadasDe(db);
-    SentenciaNormalizada n;
-    if (valores.isEmpty() && puedeTenerLiterales(sql))
-        n = normalizada(sql, p.motor);
-    const QString &texto = n.entendida ? n.texto : sql;
-    const QVariantList &enlazados = n.entendida ? n.valores : valores;
+    interno::Normalizacion &n = p.normalizacion;
+    const bool normalizada = valores.isEmpty() && interno::normaliza(sql, p.motor, n);
+    const QStringView texto = normalizada ? n.vista() : QStringView(sql);
     FalloSql fallo;
-    SentenciaPreparada *s = preparada(db, p, texto, fallo);
-    if (!s)
+    const auto e = preparada(db, p, texto, normalizada ? nullptr : &sql, fallo);
+    if (e == p.orden.end())
         lanza(fallo, textoDe(db, sql, valores, textoTraza));
-    if (!s->ejecuta(enlazados, filas, accion, fallo)) {
-        p.quita(texto);
+    SentenciaPreparada &s = *e->sentencia;
+    if (normalizada ? !s.ejecutaLiterales(n.literales, filas, accion, fallo)
+                    : !s.ejecuta(valores, filas, accion, fallo)) {
+        p.quita(e);
         lanza(fallo, textoDe(db, sql, valores, textoTraza));
     }
+}
+
+enum class Control { Inicia, Confirma, Deshace };
+
+const QString &textoControl(Control orden)
+{
+    static const std::array<QString, 3> textos{QStringLiteral("BEGIN"), QStringLiteral("COMMIT"),
+                                               QStringLiteral("ROLLBACK")};
+    return textos[size_t(orden)];
+}
+
+// BEGIN, COMMIT and ROLLBACK on SQLite: traced as any statement, run on
+// statements kept apart, with no text to scan or look up. A BEGIN inside a
+// transaction is not run: the caller joins the transaction. False with fallo
+// filled in when the statement fails.
+bool ejecutaControl(const QSqlDatabase &db, Control orden, FalloSql &fallo)
+{
+    const QString &texto = textoControl(orden);
+    traza(texto);
+    Preparadas &p = preparadasDe(db);
+    if (orden == Control::Inicia && p.manejador && interno::enTransaccionSQLite(p.manejador))
+        return false;
+    std::unique_ptr<SentenciaPreparada> &s = p.control[size_t(orden)];
+    if (!s)
+        s = preparaNueva(db, p, texto, fallo);
+    if (s && s->ejecuta({}, nullptr, nullptr, fallo))
+        return true;
+    s.reset(); // prepared afresh next time
+    return false;
 }
 
 bool esSQLite(const QSqlDatabase &db)
@@ -330,8 +396,8 @@ Transaccion::Transaccion(const QSqlDatabase &db) : m_db(db), m_sqlite(esSQLite(d
     if (m_sqlite) {
         // Inside a transaction already: SQLite refuses a nested BEGIN; join it.
         try {
-            ejecutaAccion(m_db, QStringLiteral("BEGIN"));
-            m_propia = true;
+            FalloSql fallo;
+            m_propia = ejecutaControl(m_db, Control::Inicia, fallo);
         } catch (const Error &) {
             m_propia = false;
         }
@@ -348,7 +414,8 @@ Transaccion::~Transaccion()
         return;
     try {
         if (m_sqlite) {
-            ejecutaAccion(m_db, QStringLiteral("ROLLBACK"));
+            FalloSql fallo;
+            ejecutaControl(m_db, Control::Deshace, fallo);
         } else {
             traza(QStringLiteral("ROLLBACK"));
             m_db.rollback();
@@ -363,7 +430,9 @@ void Transaccion::confirma()
     if (!m_propia)
         return;
     if (m_sqlite) {
-        ejecutaAccion(m_db, QStringLiteral("COMMIT"));
+        FalloSql fallo;
+        if (!ejecutaControl(m_db, Control::Confirma, fallo))
+            lanza(fallo, textoControl(Control::Confirma));
     } else {
         traza(QStringLiteral("COMMIT"));
         if (!m_db.commit())

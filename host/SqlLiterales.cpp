@@ -6,16 +6,23 @@
 
 #include "host/Anfitrion.h"
 #include "host/Sql.h"
+#include "host/SqlInterno.h"
 
 #include <QDate>
 #include <QDateTime>
 #include <QTime>
 #include <QVarLengthArray>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
 #include <string_view>
 
 namespace zuvi::anfitrion {
+
+using interno::Literal;
+using interno::Literales;
+using interno::Normalizacion;
 
 namespace {
 
@@ -29,26 +36,44 @@ struct Nivel
     bool patron = false; // after LIKE and its kin, until the next AND, OR or ','
 };
 
-bool esLetra(QChar c)
+// What an ASCII character is to the scanner, looked up in one table.
+enum : quint8 { kBlanco = 1, kInicial = 2, kDeNombre = 4, kDigito = 8 };
+
+constexpr std::array<quint8, 128> kClases = [] {
+    std::array<quint8, 128> t{};
+    for (char16_t c = 0; c < 128; ++c) {
+        const bool letra = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
+        const bool digito = c >= u'0' && c <= u'9';
+        t[c] = quint8((c == u' ' || (c >= u'\t' && c <= u'\r') ? kBlanco : 0) |
+                      (letra ? kInicial : 0) | (letra || digito || c == u'$' ? kDeNombre : 0) |
+                      (digito ? kDigito : 0));
+    }
+    return t;
+}();
+
+[[gnu::noinline]] bool esOtraLetra(char16_t u, bool numero)
 {
-    const char16_t u = c.unicode();
-    if (u < 128)
-        return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || u == u'_';
-    return c.isLetter();
+    return numero ? QChar(u).isLetterOrNumber() : QChar(u).isLetter();
 }
 
-bool esDeNombre(QChar c)
+inline bool esLetra(char16_t u)
 {
-    const char16_t u = c.unicode();
-    if (u < 128)
-        return (u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') ||
-               u == u'_' || u == u'$';
-    return c.isLetterOrNumber();
+    return u < 128 ? (kClases[u] & kInicial) != 0 : esOtraLetra(u, false);
 }
 
-bool esDigito(QChar c)
+inline bool esDeNombre(char16_t u)
 {
-    return c >= QLatin1Char('0') && c <= QLatin1Char('9');
+    return u < 128 ? (kClases[u] & kDeNombre) != 0 : esOtraLetra(u, true);
+}
+
+inline bool esDigito(char16_t u)
+{
+    return u >= u'0' && u <= u'9';
+}
+
+inline bool esBlanco(char16_t u)
+{
+    return u < 128 ? (kClases[u] & kBlanco) != 0 : QChar::isSpace(u);
 }
 
 // What a word of the statement does to the scan.
@@ -100,14 +125,14 @@ constexpr Palabra kPalabras[] = {
 };
 
 // The word in capitals, looked up without building a string.
-const Palabra *palabraClave(QStringView p)
+const Palabra *palabraClave(const char16_t *p, qsizetype n)
 {
     constexpr qsizetype kMasLarga = 9;
-    if (p.size() < 2 || p.size() > kMasLarga)
+    if (n < 2 || n > kMasLarga)
         return nullptr;
     char mayusculas[kMasLarga];
-    for (qsizetype i = 0; i < p.size(); ++i) {
-        const char16_t c = p.at(i).unicode();
+    for (qsizetype i = 0; i < n; ++i) {
+        const char16_t c = p[i];
         if (c >= u'a' && c <= u'z')
             mayusculas[i] = char(c - u'a' + 'A');
         else if (c < 128)
@@ -124,7 +149,7 @@ const Palabra *palabraClave(QStringView p)
             tabla[size_t(k.texto[0] - 'A')].append(&k);
         return tabla;
     }();
-    const std::string_view w(mayusculas, size_t(p.size()));
+    const std::string_view w(mayusculas, size_t(n));
     for (const Palabra *k : porLetra[size_t(mayusculas[0] - 'A')]) {
         if (k->texto == w)
             return k;
@@ -140,7 +165,7 @@ int digitosSignificativos(QStringView numero)
     for (const QChar c : numero) {
         if (c == QLatin1Char('e') || c == QLatin1Char('E'))
             break;
-        if (!esDigito(c))
+        if (!esDigito(c.unicode()))
             continue;
         if (inicio && c == QLatin1Char('0'))
             continue;
@@ -150,22 +175,28 @@ int digitosSignificativos(QStringView numero)
     return n;
 }
 
+// The scan itself: one pass over the UTF-16 text, the output written into
+// the caller's buffer and the literals kept as views of the text.
 class Lector
 {
 public:
-    Lector(const QString &sql, Motor motor) : m_sql(sql), m_motor(motor)
+    Lector(const QString &sql, Motor motor, Normalizacion &salida)
+        : m_s(reinterpret_cast<const char16_t *>(sql.constData())), m_n(sql.size()), m_motor(motor),
+          m_salida(salida.texto), m_literales(salida.literales)
     {
+        m_salida.clear();
+        m_literales.clear();
         m_niveles.append(Nivel{});
     }
 
     bool lee()
     {
-        const qsizetype n = m_sql.size();
+        const qsizetype n = m_n;
         qsizetype i = 0;
         qsizetype blancos = -1; // where the blanks before this token start
         while (i < n) {
-            const QChar c = m_sql.at(i);
-            if (c.isSpace()) {
+            const char16_t c = m_s[i];
+            if (esBlanco(c)) {
                 if (blancos < 0)
                     blancos = i;
                 ++i;
@@ -173,30 +204,28 @@ public:
             }
             if (blancos >= 0 && m_escrito) {
                 // One blank stays as it is; a run of them becomes one.
-                if (i - blancos == 1 && m_sql.at(blancos) == QLatin1Char(' '))
+                if (i - blancos == 1 && m_s[blancos] == u' ')
                     copia(blancos, i);
                 else
-                    escribe(QLatin1Char(' '));
+                    escribe(u' ');
             }
             blancos = -1;
             const bool literalAntes = m_literalAntes;
             m_literalAntes = false;
-            m_trasPunto = m_anterior == QLatin1Char('.');
-            m_anterior = QChar();
+            m_trasPunto = m_anterior == u'.';
+            m_anterior = 0;
             const bool tipo = m_tipo;
             m_tipo = false;
-            if (c == QLatin1Char('\'')) {
-                if (literalAntes || (i > 0 && esDeNombre(m_sql.at(i - 1))))
+            if (c == u'\'') {
+                if (literalAntes || (i > 0 && esDeNombre(m_s[i - 1])))
                     return false; // 'a' 'b', X'0A', N'texto', _utf8'texto'
                 if (!texto(i))
                     return false;
                 m_literalAntes = true;
-            } else if (c == QLatin1Char('"') || c == QLatin1Char('`') ||
-                       (c == QLatin1Char('[') && m_motor == Motor::SQLite)) {
-                if (!entreComillas(i, c == QLatin1Char('[') ? QLatin1Char(']') : c))
+            } else if (c == u'"' || c == u'`' || (c == u'[' && m_motor == Motor::SQLite)) {
+                if (!entreComillas(i, c == u'[' ? u']' : c))
                     return false;
-            } else if (esDigito(c) ||
-                       (c == QLatin1Char('.') && i + 1 < n && esDigito(m_sql.at(i + 1)))) {
+            } else if (esDigito(c) || (c == u'.' && i + 1 < n && esDigito(m_s[i + 1]))) {
                 if (!numero(i))
                     return false;
             } else if (esLetra(c)) {
@@ -209,9 +238,6 @@ public:
         vuelca();
         return m_niveles.size() == 1;
     }
-
-    QString m_salida;
-    QVariantList m_valores;
 
 private:
     bool subible() const
@@ -237,60 +263,62 @@ private:
     {
         if (m_desde < 0)
             return;
-        if (m_salida.isEmpty() && m_desde == 0 && m_hasta == m_sql.size())
-            m_salida = m_sql; // nothing changed: shared, not copied
-        else
-            m_salida += QStringView(m_sql).mid(m_desde, m_hasta - m_desde);
+        m_salida.append(m_s + m_desde, size_t(m_hasta - m_desde));
         m_desde = -1;
     }
-    void escribe(QChar c)
+    void escribe(char16_t c)
     {
         vuelca();
-        if (m_salida.isEmpty())
-            m_salida.reserve(m_sql.size());
-        m_salida += c;
+        m_salida.push_back(c);
         m_escrito = true;
+    }
+    void sube(const Literal &l)
+    {
+        m_literales.append(l);
+        escribe(u'?');
     }
 
     // A quoted text; its quote is written twice inside it.
     bool texto(qsizetype &i)
     {
         const qsizetype desde = i;
-        QString valor;
         bool dobles = false;
-        for (++i; i < m_sql.size(); ++i) {
-            const QChar c = m_sql.at(i);
-            if (c == QLatin1Char('\\') && m_motor == Motor::MariaDB)
+        for (++i; i < m_n; ++i) {
+            const char16_t c = m_s[i];
+            if (c == u'\\' && m_motor == Motor::MariaDB)
                 return false; // an escape the server reads its own way
-            if (c == QLatin1Char('\'')) {
-                if (i + 1 < m_sql.size() && m_sql.at(i + 1) == QLatin1Char('\'')) {
-                    dobles = true;
-                    ++i;
-                    continue;
-                }
+            if (c != u'\'')
+                continue;
+            if (i + 1 < m_n && m_s[i + 1] == u'\'') {
+                dobles = true;
                 ++i;
-                const QStringView dentro = QStringView(m_sql).mid(desde + 1, i - desde - 2);
-                if (subible()) {
-                    QString v = dentro.toString();
-                    if (dobles)
-                        v.replace(QStringLiteral("''"), QStringLiteral("'"));
-                    m_valores.append(std::move(v));
-                    escribe(QLatin1Char('?'));
-                } else {
-                    copia(desde, i);
-                }
-                m_noSubir = false;
-                return true;
+                continue;
             }
+            ++i;
+            if (subible()) {
+                Literal l;
+                l.tipo = Literal::Tipo::Texto;
+                l.comillaDoble = dobles;
+                l.texto = QStringView(m_s + desde + 1, i - desde - 2);
+                l.desde = desde;
+                l.hasta = i;
+                sube(l);
+            } else {
+                copia(desde, i);
+            }
+            m_noSubir = false;
+            return true;
         }
         return false; // not closed
     }
 
-    bool entreComillas(qsizetype &i, QChar cierre)
+    bool entreComillas(qsizetype &i, char16_t cierre)
     {
         const qsizetype desde = i;
-        const qsizetype fin = m_sql.indexOf(cierre, i + 1);
-        if (fin < 0)
+        qsizetype fin = i + 1;
+        while (fin < m_n && m_s[fin] != cierre)
+            ++fin;
+        if (fin >= m_n)
             return false;
         i = fin + 1;
         copia(desde, i);
@@ -300,51 +328,52 @@ private:
     bool numero(qsizetype &i)
     {
         const qsizetype desde = i;
-        const qsizetype n = m_sql.size();
-        if (m_sql.at(i) == QLatin1Char('0') && i + 1 < n &&
-            (m_sql.at(i + 1) == QLatin1Char('x') || m_sql.at(i + 1) == QLatin1Char('X')))
+        const qsizetype n = m_n;
+        if (m_s[i] == u'0' && i + 1 < n && (m_s[i + 1] == u'x' || m_s[i + 1] == u'X'))
             return false; // hexadecimal
         bool decimal = false;
-        while (i < n && esDigito(m_sql.at(i)))
+        qint64 entero = 0;
+        while (i < n && esDigito(m_s[i])) {
+            entero = entero * 10 + (m_s[i] - u'0');
             ++i;
-        if (i < n && m_sql.at(i) == QLatin1Char('.')) {
+        }
+        const bool largo = i - desde > 18; // more than a 64-bit integer surely holds
+        if (i < n && m_s[i] == u'.') {
             decimal = true;
             ++i;
-            while (i < n && esDigito(m_sql.at(i)))
+            while (i < n && esDigito(m_s[i]))
                 ++i;
         }
-        if (i < n && (m_sql.at(i) == QLatin1Char('e') || m_sql.at(i) == QLatin1Char('E'))) {
+        if (i < n && (m_s[i] == u'e' || m_s[i] == u'E')) {
             decimal = true;
             ++i;
-            if (i < n && (m_sql.at(i) == QLatin1Char('+') || m_sql.at(i) == QLatin1Char('-')))
+            if (i < n && (m_s[i] == u'+' || m_s[i] == u'-'))
                 ++i;
-            if (i >= n || !esDigito(m_sql.at(i)))
+            if (i >= n || !esDigito(m_s[i]))
                 return false;
-            while (i < n && esDigito(m_sql.at(i)))
+            while (i < n && esDigito(m_s[i]))
                 ++i;
         }
-        if (i < n && (esDeNombre(m_sql.at(i)) || m_sql.at(i) == QLatin1Char('.')))
+        if (i < n && (esDeNombre(m_s[i]) || m_s[i] == u'.'))
             return false; // 5abc, 1.2.3
-        const QStringView texto = QStringView(m_sql).mid(desde, i - desde);
-        QVariant valor;
+        const QStringView texto(m_s + desde, i - desde);
+        Literal l;
         bool ok = false;
         if (!decimal) {
-            const qint64 v = texto.toLongLong(&ok);
-            if (ok)
-                valor = v;
+            ok = true;
+            l.entero = largo ? texto.toLongLong(&ok) : entero;
         } else if (m_motor == Motor::SQLite && digitosSignificativos(texto) <= 15) {
             // The server keeps decimal literals exact; only SQLite reads them
             // as the double a bound value is.
-            const double v = texto.toDouble(&ok);
-            if (ok)
-                valor = v;
+            l.tipo = Literal::Tipo::Real;
+            l.real = texto.toDouble(&ok);
         }
-        if (valor.isValid() && subible()) {
-            m_valores.append(valor);
-            escribe(QLatin1Char('?'));
-        } else {
+        l.desde = desde;
+        l.hasta = i;
+        if (ok && subible())
+            sube(l);
+        else
             copia(desde, i);
-        }
         m_noSubir = false;
         return true;
     }
@@ -352,11 +381,10 @@ private:
     bool palabra(qsizetype &i)
     {
         const qsizetype desde = i;
-        while (i < m_sql.size() && esDeNombre(m_sql.at(i)))
+        while (i < m_n && esDeNombre(m_s[i]))
             ++i;
-        const QStringView p = QStringView(m_sql).mid(desde, i - desde);
         copia(desde, i);
-        const Palabra *clave = m_trasPunto ? nullptr : palabraClave(p);
+        const Palabra *clave = m_trasPunto ? nullptr : palabraClave(m_s + desde, i - desde);
         if (!m_primera) {
             m_primera = true;
             if (!clave || !clave->inicia)
@@ -395,38 +423,39 @@ private:
         return true;
     }
 
-    bool signo(QChar c, qsizetype &i, bool trasTipo)
+    bool signo(char16_t c, qsizetype &i, bool trasTipo)
     {
-        const QChar siguiente = i + 1 < m_sql.size() ? m_sql.at(i + 1) : QChar();
-        if ((c == QLatin1Char('-') && siguiente == QLatin1Char('-')) ||
-            (c == QLatin1Char('/') && siguiente == QLatin1Char('*')) || c == QLatin1Char('#'))
+        const char16_t siguiente = i + 1 < m_n ? m_s[i + 1] : 0;
+        if ((c == u'-' && siguiente == u'-') || (c == u'/' && siguiente == u'*') || c == u'#')
             return false; // a comment
-        if (c == QLatin1Char(';') || c == QLatin1Char('?') || c == QLatin1Char(':') ||
-            c == QLatin1Char('@') || c == QLatin1Char('$') || c == QLatin1Char('{') ||
-            c == QLatin1Char('\\'))
+        if (c == u';' || c == u'?' || c == u':' || c == u'@' || c == u'$' || c == u'{' ||
+            c == u'\\')
             return false; // a second statement, a parameter, a variable
-        if (c == QLatin1Char('(')) {
+        if (c == u'(') {
             const Nivel arriba = m_niveles.last();
             m_niveles.append(trasTipo ? Nivel{} : arriba);
-        } else if (c == QLatin1Char(')')) {
+        } else if (c == u')') {
             if (m_niveles.size() < 2)
                 return false;
             m_niveles.removeLast();
-        } else if (c == QLatin1Char(',')) {
+        } else if (c == u',') {
             m_niveles.last().patron = false;
         }
         copia(i, i + 1);
         m_anterior = c;
-        if (c != QLatin1Char('.'))
+        if (c != u'.')
             m_noSubir = false;
         ++i;
         return true;
     }
 
-    const QString &m_sql;
+    const char16_t *m_s; // the text the literals point into
+    qsizetype m_n;
     Motor m_motor;
+    std::u16string &m_salida;
+    Literales &m_literales;
     QVarLengthArray<Nivel, 8> m_niveles;
-    QChar m_anterior;
+    char16_t m_anterior = 0;
     bool m_escrito = false;
     qsizetype m_desde = -1, m_hasta = -1;
     bool m_primera = false;
@@ -496,14 +525,168 @@ QString textoConValores(const QString &sql, const QVariantList &valores, Motor m
     return texto;
 }
 
+namespace interno {
+
+namespace {
+
+// The mould's slot of a text: its first characters, which the texts of one
+// statement share up to their first literal.
+size_t ranura(const char16_t *s, qsizetype n)
+{
+    constexpr qsizetype kPrefijo = 32;
+    quint64 h = 0x9e3779b97f4a7c15ULL;
+    for (qsizetype i = 0; i < std::min(n, kPrefijo); ++i)
+        h = (h ^ s[i]) * 0xff51afd7ed558ccdULL;
+    return size_t(h >> 40) % std::tuple_size_v<decltype(Normalizacion::moldes)>;
+}
+
+bool igual(const char16_t *a, const char16_t *b, qsizetype n)
+{
+    return std::memcmp(a, b, size_t(n) * sizeof(char16_t)) == 0;
+}
+
+// A quoted text at i, read as the scanner reads it; its end, or -1.
+qsizetype finDeTexto(const char16_t *s, qsizetype n, qsizetype i, Motor motor, bool &dobles)
+{
+    if (i >= n || s[i] != u'\'')
+        return -1;
+    for (++i; i < n; ++i) {
+        if (s[i] == u'\\' && motor == Motor::MariaDB)
+            return -1;
+        if (s[i] != u'\'')
+            continue;
+        if (i + 1 < n && s[i + 1] == u'\'') {
+            dobles = true;
+            ++i;
+            continue;
+        }
+        return i + 1;
+    }
+    return -1;
+}
+
+// A number at i of the kind the mould had there, read as the scanner reads
+// it and only when the scanner would take it out too; its end, or -1.
+qsizetype finDeNumero(const char16_t *s, qsizetype n, qsizetype i, Literal &l)
+{
+    const qsizetype desde = i;
+    qint64 entero = 0;
+    while (i < n && esDigito(s[i]))
+        entero = entero * 10 + (s[i++] - u'0');
+    if (i == desde)
+        return -1;
+    const bool decimal = i < n && (s[i] == u'.' || s[i] == u'e' || s[i] == u'E');
+    if (l.tipo == Literal::Tipo::Entero) {
+        if (decimal || i - desde > 18)
+            return -1;
+        l.entero = entero;
+        return i;
+    }
+    if (!decimal)
+        return -1; // a whole number: the scanner takes it as one
+    if (i < n && s[i] == u'.') {
+        ++i;
+        while (i < n && esDigito(s[i]))
+            ++i;
+    }
+    if (i < n && (s[i] == u'e' || s[i] == u'E')) {
+        ++i;
+        if (i < n && (s[i] == u'+' || s[i] == u'-'))
+            ++i;
+        if (i >= n || !esDigito(s[i]))
+            return -1;
+        while (i < n && esDigito(s[i]))
+            ++i;
+    }
+    const QStringView texto(s + desde, i - desde);
+    bool ok = false;
+    if (digitosSignificativos(texto) <= 15)
+        l.real = texto.toDouble(&ok);
+    return ok ? i : -1;
+}
+
+// The literals of a text that is the mould's text around other literals of
+// the same kinds; false when it is not.
+bool encaja(const Molde &m, const char16_t *s, qsizetype n, Motor motor, Literales &literales)
+{
+    if (m.original.isNull() || m.motor != motor)
+        return false;
+    const char16_t *o = reinterpret_cast<const char16_t *>(m.original.constData());
+    qsizetype io = 0, is = 0;
+    for (const Molde::Hueco &h : m.huecos) {
+        const qsizetype tramo = h.desde - io;
+        if (is + tramo > n || !igual(s + is, o + io, tramo))
+            return false;
+        is += tramo;
+        io = h.hasta;
+        Literal l;
+        l.tipo = h.tipo;
+        l.desde = is;
+        if (h.tipo == Literal::Tipo::Texto) {
+            l.hasta = finDeTexto(s, n, is, motor, l.comillaDoble);
+            if (l.hasta >= 0)
+                l.texto = QStringView(s + is + 1, l.hasta - is - 2);
+        } else {
+            l.hasta = finDeNumero(s, n, is, l);
+        }
+        if (l.hasta < 0)
+            return false;
+        is = l.hasta;
+        literales.append(l);
+    }
+    const qsizetype resto = m.original.size() - io;
+    return n - is == resto && igual(s + is, o + io, resto);
+}
+
+} // namespace
+
+bool normaliza(const QString &sql, Motor motor, Normalizacion &n)
+{
+    const auto *s = reinterpret_cast<const char16_t *>(sql.constData());
+    Molde &molde = n.moldes[ranura(s, sql.size())];
+    n.literales.clear();
+    if (encaja(molde, s, sql.size(), motor, n.literales)) {
+        n.texto.assign(molde.texto);
+        return true;
+    }
+    if (!Lector(sql, motor, n).lee())
+        return false;
+    molde.original = sql;
+    molde.texto.assign(n.texto);
+    molde.motor = motor;
+    molde.huecos.clear();
+    for (const Literal &l : n.literales)
+        molde.huecos.append({l.desde, l.hasta, l.tipo});
+    return true;
+}
+
+QVariant valorDe(const Literal &l)
+{
+    switch (l.tipo) {
+    case Literal::Tipo::Entero:
+        return QVariant(l.entero);
+    case Literal::Tipo::Real:
+        return QVariant(l.real);
+    case Literal::Tipo::Texto:
+        break;
+    }
+    QString t = l.texto.toString();
+    if (l.comillaDoble)
+        t.replace(QStringLiteral("''"), QStringLiteral("'"));
+    return QVariant(t);
+}
+
+} // namespace interno
+
 SentenciaNormalizada normalizaSentencia(const QString &sql, Motor motor)
 {
-    Lector lector(sql, motor);
+    interno::Normalizacion n;
     SentenciaNormalizada r;
-    if (!lector.lee())
+    if (!interno::normaliza(sql, motor, n))
         return r;
-    r.texto = std::move(lector.m_salida);
-    r.valores = std::move(lector.m_valores);
+    r.texto = n.vista().toString();
+    for (const interno::Literal &l : n.literales)
+        r.valores.append(interno::valorDe(l));
     r.entendida = true;
     return r;
 }

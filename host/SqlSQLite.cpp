@@ -28,26 +28,49 @@ public:
     bool ejecuta(const QVariantList &valores, RecordsetPtr *filas, ResultadoAccion *accion,
                  FalloSql &fallo) override
     {
+        if (!preparaMarcas(valores.size(), fallo))
+            return false;
+        for (int i = 0; i < valores.size(); ++i) {
+            if (enlaza(i, valores.at(i)) != SQLITE_OK)
+                return falla(fallo);
+        }
+        return corre(filas, accion, fallo);
+    }
+
+    bool ejecutaLiterales(const Literales &literales, RecordsetPtr *filas, ResultadoAccion *accion,
+                          FalloSql &fallo) override
+    {
+        if (!preparaMarcas(literales.size(), fallo))
+            return false;
+        for (int i = 0; i < literales.size(); ++i) {
+            if (enlaza(i, literales[i]) != SQLITE_OK)
+                return falla(fallo);
+        }
+        return corre(filas, accion, fallo);
+    }
+
+private:
+    bool preparaMarcas(qsizetype valores, FalloSql &fallo)
+    {
         if (sqlite3_stmt_busy(m_st)) // every way out resets it; this is the guard
             sqlite3_reset(m_st);
         const int marcas = sqlite3_bind_parameter_count(m_st);
-        if (marcas != valores.size()) {
+        if (marcas != valores) {
             fallo = {QStringLiteral("Parameter count mismatch"), SQLITE_RANGE};
             return false;
         }
         if (m_textos.size() < size_t(marcas))
             m_textos.resize(size_t(marcas));
-        for (int i = 0; i < marcas; ++i) {
-            if (enlaza(i, valores.at(i)) != SQLITE_OK)
-                return falla(fallo);
-        }
-        QList<QVariantList> leidas;
-        if (filas)
-            leidas.reserve(4);
+        return true;
+    }
+
+    bool corre(RecordsetPtr *filas, ResultadoAccion *accion, FalloSql &fallo)
+    {
+        QVariantList leidas;
         int rc;
         while ((rc = sqlite3_step(m_st)) == SQLITE_ROW) {
             if (filas)
-                leidas.append(fila());
+                leeFila(leidas);
         }
         if (rc != SQLITE_DONE) {
             const bool r = falla(fallo);
@@ -56,7 +79,7 @@ public:
         }
         if (filas) {
             revisaColumnas();
-            *filas = std::make_shared<Recordset>(m_columnas, std::move(leidas));
+            *filas = Recordset::fromValues(m_columnas, std::move(leidas));
         }
         if (accion) {
             accion->filas = sqlite3_changes(m_db);
@@ -68,7 +91,6 @@ public:
         return true;
     }
 
-private:
     bool falla(FalloSql &fallo)
     {
         fallo = {QString::fromUtf8(sqlite3_errmsg(m_db)), sqlite3_extended_errcode(m_db)};
@@ -97,13 +119,34 @@ private:
     // The values bound as the driver binds them, null where the driver takes a
     // value for null: an empty variant, a null text, date or byte array, an
     // invalid time or date and time.
+    int enlaza(int i, const Literal &l)
+    {
+        switch (l.tipo) {
+        case Literal::Tipo::Entero:
+            return sqlite3_bind_int64(m_st, i + 1, l.entero);
+        case Literal::Tipo::Real:
+            return sqlite3_bind_double(m_st, i + 1, l.real);
+        case Literal::Tipo::Texto:
+            break;
+        }
+        if (!l.comillaDoble)
+            return enlazaTexto(i, l.texto);
+        QString t = l.texto.toString();
+        t.replace(QStringLiteral("''"), QStringLiteral("'"));
+        return enlazaTexto(i, t);
+    }
+
     int enlaza(int i, const QVariant &v)
     {
         const int n = i + 1;
-        if (!v.isValid() || v.isNull())
+        // The variant's type and null mark, read in place: a variant made of a
+        // type and no value is null whatever its type.
+        const QVariant::Private &datos = v.data_ptr();
+        const QMetaType tipo = datos.type();
+        if (datos.is_null || !tipo.iface())
             return sqlite3_bind_null(m_st, n);
         const void *d = v.constData();
-        switch (v.typeId()) {
+        switch (tipo.id()) {
         case QMetaType::Int:
             return sqlite3_bind_int64(m_st, n, *static_cast<const int *>(d));
         case QMetaType::LongLong:
@@ -158,15 +201,18 @@ private:
             return enlazaTexto(i, t.toString(QStringLiteral("hh:mm:ss.zzz")));
         }
         default:
+            if (v.isNull()) // a null pointer
+                return sqlite3_bind_null(m_st, n);
             return enlazaTexto(i, v.toString());
         }
     }
 
-    QVariantList fila()
+    // The row's values appended to f.
+    void leeFila(QVariantList &f)
     {
         const int n = sqlite3_column_count(m_st);
-        QVariantList f;
-        f.reserve(n);
+        if (f.isEmpty())
+            f.reserve(n);
         for (int i = 0; i < n; ++i) {
             switch (sqlite3_column_type(m_st, i)) {
             case SQLITE_INTEGER:
@@ -190,7 +236,6 @@ private:
             }
             }
         }
-        return f;
     }
 
     // The names are read again only when SQLite prepared the statement anew
@@ -230,6 +275,16 @@ private:
 void cierraSQLite(void *manejador)
 {
     sqlite3_close(static_cast<sqlite3 *>(manejador));
+}
+
+bool enTransaccionSQLite(void *manejador)
+{
+    return sqlite3_get_autocommit(static_cast<sqlite3 *>(manejador)) == 0;
+}
+
+bool marcadoOcupado(void *manejador)
+{
+    return (sqlite3_extended_errcode(static_cast<sqlite3 *>(manejador)) & 0xff) == SQLITE_BUSY;
 }
 
 void *manejadorSQLite(const QSqlDatabase &db)

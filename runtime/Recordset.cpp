@@ -7,11 +7,32 @@
 #include <QSqlQuery>
 #include <QSqlRecord>
 
+#include <algorithm>
+
 namespace zuvi {
 
 Recordset::Recordset(QStringList columns, QList<QVariantList> rows)
-    : m_columns(std::move(columns)), m_rows(std::move(rows))
+    : m_columns(std::move(columns)), m_width(m_columns.size()), m_rowCount(rows.size())
 {
+    for (const QVariantList &row : std::as_const(rows))
+        m_width = std::max(m_width, row.size());
+    m_values.reserve(m_width * m_rowCount);
+    for (QVariantList &row : rows) {
+        const qsizetype n = row.size();
+        for (QVariant &v : row)
+            m_values.append(std::move(v));
+        m_values.resize(m_values.size() + m_width - n); // a short row's missing fields
+    }
+}
+
+std::shared_ptr<Recordset> Recordset::fromValues(QStringList columns, QVariantList values)
+{
+    auto r = std::make_shared<Recordset>();
+    r->m_width = columns.size();
+    r->m_rowCount = r->m_width ? values.size() / r->m_width : 0;
+    r->m_columns = std::move(columns);
+    r->m_values = std::move(values);
+    return r;
 }
 
 std::shared_ptr<Recordset> Recordset::fromQuery(QSqlQuery &query)
@@ -22,15 +43,12 @@ std::shared_ptr<Recordset> Recordset::fromQuery(QSqlQuery &query)
     columns.reserve(n);
     for (int i = 0; i < n; ++i)
         columns << record.fieldName(i);
-    QList<QVariantList> rows;
+    QVariantList values;
     while (query.next()) {
-        QVariantList row;
-        row.reserve(n);
         for (int i = 0; i < n; ++i)
-            row << query.value(i);
-        rows << std::move(row);
+            values << query.value(i);
     }
-    return std::make_shared<Recordset>(std::move(columns), std::move(rows));
+    return fromValues(std::move(columns), std::move(values));
 }
 
 void Recordset::moveNext()
@@ -93,27 +111,27 @@ int Recordset::requireIndex(const QString &name) const
     return i;
 }
 
-const QVariantList &Recordset::currentRow() const
+const QVariant *Recordset::currentRow() const
 {
     if (atEnd())
         throw Error(QStringLiteral(
             "No hay registro actual: el conjunto de registros está vacío o ya está al final."));
-    return m_rows.at(m_position);
+    return m_values.constData() + m_position * m_width;
 }
 
 QVariant Recordset::value(int ordinal) const
 {
-    const QVariantList &row = currentRow();
-    if (ordinal < 0 || ordinal >= row.size())
+    const QVariant *row = currentRow();
+    if (ordinal < 0 || ordinal >= m_width)
         throw Error(QStringLiteral("No existe el campo número %1 en el conjunto de registros.")
                         .arg(ordinal));
-    return row.at(ordinal);
+    return row[ordinal];
 }
 
 QVariant Recordset::value(const QString &name) const
 {
     const int i = requireIndex(name);
-    return currentRow().at(i);
+    return currentRow()[i];
 }
 
 QString Recordset::text(const QString &name) const
@@ -138,6 +156,13 @@ double variantToDouble(const QVariant &v)
     if (v.isNull() || !v.isValid())
         return 0.0;
     switch (v.typeId()) {
+    // What a database hands back most: read in place, no conversion.
+    case QMetaType::Double:
+        return *static_cast<const double *>(v.constData());
+    case QMetaType::LongLong:
+        return double(*static_cast<const qlonglong *>(v.constData()));
+    case QMetaType::Int:
+        return *static_cast<const int *>(v.constData());
     case QMetaType::QString: {
         bool ok = false;
         const double d = v.toString().trimmed().toDouble(&ok);

@@ -26,15 +26,18 @@ class ZUVI_RUNTIME_EXPORT Recordset
 public:
     Recordset() = default;
     Recordset(QStringList columns, QList<QVariantList> rows);
+    // The rows one after another in one list, as many values each as there
+    // are columns.
+    static std::shared_ptr<Recordset> fromValues(QStringList columns, QVariantList values);
 
     // Runs nothing: reads the rows of an executed query.
     static std::shared_ptr<Recordset> fromQuery(QSqlQuery &query);
 
-    bool atEnd() const { return m_position >= m_rows.size(); }
+    bool atEnd() const { return m_position >= m_rowCount; }
     void moveNext();
     void moveFirst() { m_position = 0; }
 
-    int rowCount() const { return int(m_rows.size()); }
+    int rowCount() const { return int(m_rowCount); }
     int position() const { return int(m_position); }
     int fieldCount() const { return int(m_columns.size()); }
     const QStringList &fieldNames() const { return m_columns; }
@@ -52,11 +55,14 @@ public:
     bool isNull(const QString &name) const { return value(name).isNull(); }
 
 private:
-    const QVariantList &currentRow() const;
+    const QVariant *currentRow() const;
     int requireIndex(const QString &name) const;
 
     QStringList m_columns;
-    QList<QVariantList> m_rows;
+    // The values row after row, m_width of them a row.
+    QVariantList m_values;
+    qsizetype m_width = 0;
+    qsizetype m_rowCount = 0;
     qsizetype m_position = 0;
 };
 

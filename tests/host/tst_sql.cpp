@@ -3,6 +3,7 @@
 
 #include "host/Anfitrion.h"
 #include "host/Sql.h"
+#include "host/SqlInterno.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 
@@ -145,6 +146,62 @@ private slots:
         QFETCH(QString, sql);
         QFETCH(int, motor);
         QVERIFY(!normalizaSentencia(sql, Motor(motor)).entendida);
+    }
+
+    // A text read from the mould of an earlier one gives what scanning it
+    // gives: the same text and values, or a refusal. The first 32 characters
+    // are shared, so the mould is tried.
+    void elMoldeDaLoMismoQueElLector_data()
+    {
+        QTest::addColumn<QString>("molde");
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<int>("motor");
+        const int lite = int(Motor::SQLite), maria = int(Motor::MariaDB);
+        const QString prod = "SELECT kit, costo FROM prods WHERE articulo = ";
+        const QString mov = "UPDATE movimientos SET importe = ";
+        QTest::newRow("otro largo") << prod + "'C-1-2'" << prod + "'KIT-0012345'" << lite;
+        QTest::newRow("comilla doble") << prod + "'A'" << prod + "'O''Brien'" << lite;
+        QTest::newRow("texto vacío") << prod + "'A'" << prod + "''" << lite;
+        QTest::newRow("número por texto") << prod + "'A'" << prod + "7" << lite;
+        QTest::newRow("sin cerrar") << prod + "'A'" << prod + "'A" << lite;
+        QTest::newRow("segunda sentencia") << prod + "'A'" << prod + "'A'; DELETE FROM op" << lite;
+        QTest::newRow("textos juntos") << prod + "'A'" << prod + "'A' 'B'" << lite;
+        QTest::newRow("barra en el servidor") << prod + "'A'" << prod + "'A\\'" << maria;
+        QTest::newRow("entero a decimal")
+            << mov + "12 WHERE id = 3" << mov + "12.5 WHERE id = 3" << lite;
+        QTest::newRow("decimal a entero")
+            << mov + "12.5 WHERE id = 3" << mov + "12 WHERE id = 3" << lite;
+        QTest::newRow("exponente")
+            << mov + "1.5 WHERE id = 3" << mov + "1.5e3 WHERE id = 3" << lite;
+        QTest::newRow("demasiados dígitos")
+            << mov + "1.5 WHERE id = 3" << mov + "0.1234567890123456 WHERE id = 3" << lite;
+        QTest::newRow("entero enorme")
+            << mov + "1 WHERE id = 3" << mov + "99999999999999999999 WHERE id = 3" << lite;
+        QTest::newRow("hexadecimal") << mov + "1 WHERE id = 3" << mov + "0x1F WHERE id = 3" << lite;
+        QTest::newRow("pegado a un nombre")
+            << mov + "1 WHERE id = 3" << mov + "1abc WHERE id = 3" << lite;
+        QTest::newRow("decimal en el servidor")
+            << mov + "12 WHERE id = 3" << mov + "12.5 WHERE id = 3" << maria;
+        QTest::newRow("otro resto")
+            << mov + "1 WHERE id = 3" << mov + "1 WHERE id = 3 OR 1 = 1" << lite;
+        QTest::newRow("otros blancos") << mov + "1 WHERE id = 3" << mov + "1 WHERE  id = 3" << lite;
+    }
+    void elMoldeDaLoMismoQueElLector()
+    {
+        QFETCH(QString, molde);
+        QFETCH(QString, sql);
+        QFETCH(int, motor);
+        interno::Normalizacion n;
+        QVERIFY(interno::normaliza(molde, Motor(motor), n));
+        const SentenciaNormalizada esperada = normalizaSentencia(sql, Motor(motor));
+        QCOMPARE(interno::normaliza(sql, Motor(motor), n), esperada.entendida);
+        if (!esperada.entendida)
+            return;
+        QCOMPARE(n.vista().toString(), esperada.texto);
+        QVariantList valores;
+        for (const interno::Literal &l : n.literales)
+            valores << interno::valorDe(l);
+        QCOMPARE(valoresEnTexto(valores), valoresEnTexto(esperada.valores));
     }
 
     void elServidorConservaLosDecimales()

@@ -50,8 +50,8 @@ QString resumenEntrega(qint32 op, const anfitrion::ControlEntrega &control,
             texto << QStringLiteral("  ... y %1 líneas más.")
                          .arg(pendientes.size() - kLineasNombradas);
     }
-    const auto sinNumero =
-        std::find_if(pendientes.cbegin(), pendientes.cend(), [](const auto &l) { return !l.numerica; });
+    const auto sinNumero = std::find_if(pendientes.cbegin(), pendientes.cend(),
+                                        [](const auto &l) { return !l.numerica; });
     if (!reportes.primero().isEmpty())
         texto << QStringLiteral("Primer error: ") + reportes.primero();
     else if (sinNumero != pendientes.cend())

@@ -102,7 +102,8 @@ void compruebaKit(const QSqlDatabase &db, const QString &articulo, bool paraDese
                           .arg(clave));
     if (!hayFila(db, QStringLiteral("SELECT COUNT(*) FROM comppart WHERE articulo = ?"),
                  {articulo}))
-        throw Rechazo(QStringLiteral("El kit \"%1\" no tiene componentes en su receta.").arg(clave));
+        throw Rechazo(
+            QStringLiteral("El kit \"%1\" no tiene componentes en su receta.").arg(clave));
     if (!paraDesensamblar)
         return;
     QSqlQuery q = ejecutaConValores(
@@ -170,8 +171,8 @@ ControlEntrega::ControlEntrega(const QSqlDatabase &db, qint32 op) : m_db(db), m_
     m_ultimoMovimiento =
         primerValor(db, QStringLiteral("SELECT COALESCE(MAX(id), 0) FROM movimientos"), {})
             .toLongLong();
-    m_previas = primerValor(db, QStringLiteral("SELECT COUNT(*) ") + kEntradasDeOrden, {op})
-                    .toLongLong();
+    m_previas =
+        primerValor(db, QStringLiteral("SELECT COUNT(*) ") + kEntradasDeOrden, {op}).toLongLong();
 }
 
 QList<ControlEntrega::Linea> ControlEntrega::lineasSinEntregar() const

@@ -109,12 +109,11 @@ private slots:
         if (!BaseDePrueba::enMariaDB()) // a DOUBLE column there holds no text
             QTest::newRow("cantidad no numérica")
                 << "UPDATE oppart SET cantidad = 'tres' WHERE op = 9 AND partida = 4"
-                << QStringList{"2 de 5 líneas", "Línea 4: SOPORTE, cantidad tres", "Línea 5"}
-                << 3;
+                << QStringList{"2 de 5 líneas", "Línea 4: SOPORTE, cantidad tres", "Línea 5"} << 3;
         QTest::newRow("conexión cerrada")
             << "cierra"
-            << QStringList{"no se pudo comprobar", "Primer error: Ensamble: ",
-                           "2 informes de error iguales"}
+            << QStringList{"no se pudo comprobar",
+                           "Primer error: Ensamble: ", "2 informes de error iguales"}
             << 2;
     }
 
@@ -140,8 +139,8 @@ private slots:
             base.ejecuta(dano);
         }
         auto produccion = app::creaProduccion(base.ambiente());
-        app::Desenlace d =
-            app::llamaMiembro(produccion.get(), db, QStringLiteral("EntregaProductoTerminado"), {9});
+        app::Desenlace d = app::llamaMiembro(produccion.get(), db,
+                                             QStringLiteral("EntregaProductoTerminado"), {9});
         QVERIFY2(d.llamado && !d.completo, qPrintable(d.resumen));
         for (const QString &texto : dice)
             QVERIFY2(d.resumen.contains(texto), qPrintable(d.resumen));
@@ -150,14 +149,16 @@ private slots:
             QVERIFY(db.open());
         QCOMPARE(base.escalar(kEntradas).toInt(), entregadas);
         QCOMPARE(descuadres(base, inicial), QStringList());
-        QCOMPARE(base.escalar("SELECT COUNT(*) FROM oppart WHERE op = 9 AND terminado <> 0").toInt(), 0);
+        QCOMPARE(
+            base.escalar("SELECT COUNT(*) FROM oppart WHERE op = 9 AND terminado <> 0").toInt(), 0);
 
         // Again: asked first; a no posts nothing, a yes (data mended) posts every line.
         const int movimientos = base.escalar("SELECT COUNT(*) FROM movimientos").toInt();
         d = app::llamaMiembro(produccion.get(), db, QStringLiteral("EntregaProductoTerminado"),
                               {9});
         QVERIFY(d.rehusado && !d.llamado);
-        QVERIFY(guion->preguntas().value(0).contains(QString("ya tiene %1 entrada").arg(entregadas)));
+        QVERIFY(
+            guion->preguntas().value(0).contains(QString("ya tiene %1 entrada").arg(entregadas)));
         QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), movimientos);
         base.ejecuta("UPDATE oppart SET cantidad = 1 WHERE op = 9 AND partida IN (3, 4)");
         guion->respuestas({true});

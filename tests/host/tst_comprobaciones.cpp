@@ -151,8 +151,7 @@ private slots:
             QVERIFY(finito && numero > 0);
             QVERIFY(m_base->filas(estado) != antes);
         } catch (const Error &e) {
-            QVERIFY2(!finito && e.description().contains("no es un número finito"),
-                     e.what());
+            QVERIFY2(!finito && e.description().contains("no es un número finito"), e.what());
             QCOMPARE(m_base->filas(estado), antes);
         }
     }

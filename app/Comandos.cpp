@@ -1,12 +1,14 @@
 #include "app/Comandos.h"
 
 #include "app/Componente.h"
-#include "app/Kits.h"
+#include "app/Lotes.h"
+#include "host/Comprobaciones.h"
 #include "host/Interaccion.h"
 #include "host/Reportes.h"
 #include "host/RolMes.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
+#include "runtime/Text.h"
 
 #include <QApplication>
 #include <QDir>
@@ -149,11 +151,42 @@ private:
     std::shared_ptr<anfitrion::Interaccion> m_terminal, m_ventanas;
 };
 
-void exigeKit(const QSqlDatabase &db, const QString &articulo)
+// A member through the host's door; a refusal of its checks is a usage error.
+Desenlace llamaLote(anfitrion::Sesion &sesion, QObject *produccion, const QMetaMethod &miembro,
+                    const QVariantList &valores)
 {
-    if (!existeReceta(db, articulo))
-        throw ErrorDeUso(
-            QStringLiteral("El artículo %1 no es un kit con componentes.").arg(articulo));
+    try {
+        return llamaMiembro(produccion, sesion.conexion(), miembro, valores);
+    } catch (const anfitrion::Rechazo &e) {
+        throw ErrorDeUso(e.description());
+    }
+}
+
+Desenlace llamaLote(anfitrion::Sesion &sesion, QObject *produccion, const QString &metodo,
+                    const QVariantList &valores)
+{
+    return llamaLote(sesion, produccion, miembroPorNombre(produccion, metodo, int(valores.size())),
+                     valores);
+}
+
+// How a call ends the run: what was left undone is said, and the line that
+// says it was done is printed only when it was. exigeCompleto: a member that
+// answers no (CancelaOp) fails the run too.
+int termina(const Desenlace &d, const QString &hecho, bool exigeCompleto = true)
+{
+    if (d.rehusado) {
+        avisa(QStringLiteral("No se entregó: la orden ya tiene producto terminado entregado y la "
+                             "nueva entrega no se confirmó (use --si para confirmar sin "
+                             "preguntar)."));
+        return Fallo;
+    }
+    if (!d.resumen.isEmpty())
+        anfitrion::interaccion().mensaje(d.resumen, d.completo ? 64 : 16);
+    if (huboReporte() || !d.resumen.isEmpty() || (exigeCompleto && !d.completo))
+        return Fallo;
+    if (!hecho.isEmpty())
+        salida(hecho);
+    return Exito;
 }
 
 int invoca(const LineaComandos &lc)
@@ -161,37 +194,37 @@ int invoca(const LineaComandos &lc)
     if (lc.argumentos.isEmpty())
         throw ErrorDeUso(
             QStringLiteral("Falta el método. Uso: zuvi-produccion invoca METODO [ARG...]"));
-    if (abreVentana(lc.argumentos.first()) &&
-        qobject_cast<QApplication *>(QCoreApplication::instance()) && !sinPantallaReal())
+    const QString metodo = lc.argumentos.first();
+    if (abreVentana(metodo) && qobject_cast<QApplication *>(QCoreApplication::instance()) &&
+        !sinPantallaReal())
         anfitrion::ponInteraccion(std::make_shared<InteraccionMixta>(lc.opciones.si));
     auto sesion = abreSesion(lc);
     auto produccion = creaProduccion(sesion->ambiente());
-    Resultado r;
+    QMetaMethod miembro;
+    QVariantList valores;
     try {
-        r = invocaPorNombre(produccion.get(), lc.argumentos.first(), lc.argumentos.mid(1));
+        miembro = miembroPorNombre(produccion.get(), metodo, int(lc.argumentos.size() - 1));
+        valores = convierteArgumentos(miembro, lc.argumentos.mid(1));
     } catch (const Error &e) {
         throw ErrorDeUso(e.description());
     }
-    if (r.hayValor)
-        salida(r.valor.toString());
-    if (abreVentana(lc.argumentos.first()))
+    const Desenlace d = llamaLote(*sesion, produccion.get(), miembro, valores);
+    if (d.valor.isValid())
+        salida(d.valor.toString());
+    if (abreVentana(metodo))
         esperaVentanas();
-    return huboReporte() ? Fallo : Exito;
+    return termina(d, QString(), false);
 }
 
 int entrega(const LineaComandos &lc)
 {
-    exigeArgumentos(lc, 1, 1, QStringLiteral("entrega OP"));
+    exigeArgumentos(lc, 1, 1, QStringLiteral("entrega OP [--si]"));
     const qint32 op = entero(lc.argumentos.at(0), QStringLiteral("La orden"));
     auto sesion = abreSesion(lc);
-    if (!existeOrden(sesion->conexion(), op))
-        throw ErrorDeUso(QStringLiteral("La orden de producción %1 no existe.").arg(op));
     auto produccion = creaProduccion(sesion->ambiente());
-    QMetaObject::invokeMethod(produccion.get(), "EntregaProductoTerminado", Q_ARG(qint32, op));
-    if (huboReporte())
-        return Fallo;
-    salida(QStringLiteral("Producto terminado de la orden %1 entregado.").arg(op));
-    return Exito;
+    const Desenlace d =
+        llamaLote(*sesion, produccion.get(), QStringLiteral("EntregaProductoTerminado"), {op});
+    return termina(d, QStringLiteral("Producto terminado de la orden %1 entregado.").arg(op));
 }
 
 int ensamble(const LineaComandos &lc)
@@ -204,17 +237,13 @@ int ensamble(const LineaComandos &lc)
     const qint32 op =
         lc.argumentos.size() > 3 ? entero(lc.argumentos.at(3), QStringLiteral("La orden")) : 0;
     auto sesion = abreSesion(lc);
-    exigeKit(sesion->conexion(), articulo);
     auto produccion = creaProduccion(sesion->ambiente());
-    QMetaObject::invokeMethod(produccion.get(), "Ensamble", Q_ARG(QString, articulo),
-                              Q_ARG(qint32, almacen), Q_ARG(qint32, cantidad), Q_ARG(qint32, op));
-    if (huboReporte())
-        return Fallo;
-    salida(QStringLiteral("Ensamble de %1 %2 en el almacén %3 terminado.")
-               .arg(cantidad)
-               .arg(articulo)
-               .arg(almacen));
-    return Exito;
+    const Desenlace d = llamaLote(*sesion, produccion.get(), QStringLiteral("Ensamble"),
+                                  {articulo, almacen, cantidad, op});
+    return termina(d, QStringLiteral("Ensamble de %1 %2 en el almacén %3 terminado.")
+                          .arg(cantidad)
+                          .arg(eco(articulo))
+                          .arg(almacen));
 }
 
 int desensamble(const LineaComandos &lc)
@@ -227,20 +256,13 @@ int desensamble(const LineaComandos &lc)
     const qint32 op =
         lc.argumentos.size() > 3 ? entero(lc.argumentos.at(3), QStringLiteral("La orden")) : 0;
     auto sesion = abreSesion(lc);
-    exigeKit(sesion->conexion(), articulo);
-    const QString motivo = motivoParaNoDesensamblar(sesion->conexion(), articulo);
-    if (!motivo.isEmpty())
-        throw Error(motivo);
     auto produccion = creaProduccion(sesion->ambiente());
-    QMetaObject::invokeMethod(produccion.get(), "Desensamble", Q_ARG(QString, articulo),
-                              Q_ARG(double, cantidad), Q_ARG(qint32, almacen), Q_ARG(qint32, op));
-    if (huboReporte())
-        return Fallo;
-    salida(QStringLiteral("Desensamble de %1 %2 del almacén %3 terminado.")
-               .arg(cantidad)
-               .arg(articulo)
-               .arg(almacen));
-    return Exito;
+    const Desenlace d = llamaLote(*sesion, produccion.get(), QStringLiteral("Desensamble"),
+                                  {articulo, cantidad, almacen, op});
+    return termina(d, QStringLiteral("Desensamble de %1 %2 del almacén %3 terminado.")
+                          .arg(cantidad)
+                          .arg(eco(articulo))
+                          .arg(almacen));
 }
 
 int cancela(const LineaComandos &lc)
@@ -249,17 +271,12 @@ int cancela(const LineaComandos &lc)
     const qint32 op = entero(lc.argumentos.at(0), QStringLiteral("La orden"));
     auto sesion = abreSesion(lc);
     auto produccion = creaProduccion(sesion->ambiente());
-    VBool hecho = VFalse;
-    QMetaObject::invokeMethod(produccion.get(), "CancelaOp", Q_RETURN_ARG(zuvi::VBool, hecho),
-                              Q_ARG(qint32, op));
-    if (!fromVBool(hecho)) {
-        avisa(QStringLiteral("La orden %1 no se canceló (no existe, o no se confirmó la "
-                             "cancelación; use --si para confirmar sin preguntar).")
+    const Desenlace d = llamaLote(*sesion, produccion.get(), QStringLiteral("CancelaOp"), {op});
+    if (!d.completo && d.resumen.isEmpty())
+        avisa(QStringLiteral("La orden %1 no se canceló (no se confirmó la cancelación; use --si "
+                             "para confirmar sin preguntar).")
                   .arg(op));
-        return Fallo;
-    }
-    salida(QStringLiteral("Orden %1 cancelada.").arg(op));
-    return Exito;
+    return termina(d, QStringLiteral("Orden %1 cancelada.").arg(op));
 }
 
 int rol(const LineaComandos &lc)

@@ -5,6 +5,7 @@
 #include "contract/Servicios.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
+#include "runtime/Text.h"
 
 #include <QCoreApplication>
 #include <QFile>
@@ -123,7 +124,7 @@ std::unique_ptr<QObject> creaProduccion(zuvi::Ambiente *ambiente, QObject *padre
     return objeto;
 }
 
-Resultado invocaPorNombre(QObject *objeto, const QString &metodo, const QStringList &argumentos)
+QMetaMethod miembroPorNombre(const QObject *objeto, const QString &metodo, int argumentos)
 {
     const QMetaObject *mo = objeto->metaObject();
     QList<QMetaMethod> candidatos;
@@ -134,21 +135,23 @@ Resultado invocaPorNombre(QObject *objeto, const QString &metodo, const QStringL
             candidatos << m;
     }
     if (candidatos.isEmpty())
-        throw Error(QStringLiteral("El componente no tiene un método llamado \"%1\".").arg(metodo));
-    const QMetaMethod *elegido = nullptr;
+        throw Error(
+            QStringLiteral("El componente no tiene un método llamado \"%1\".").arg(eco(metodo)));
     for (const QMetaMethod &m : candidatos)
-        if (m.parameterCount() == argumentos.size())
-            elegido = &m;
-    if (!elegido)
-        throw Error(QStringLiteral("%1 no admite %2 argumento(s); firmas: %3")
-                        .arg(metodo)
-                        .arg(argumentos.size())
-                        .arg(firmas(candidatos)));
-    const QMetaMethod &m = *elegido;
-    if (argumentos.size() > 10)
-        throw Error(QStringLiteral("Demasiados argumentos para %1.").arg(metodo));
+        if (m.parameterCount() == argumentos) {
+            if (argumentos > 10)
+                throw Error(QStringLiteral("Demasiados argumentos para %1.").arg(metodo));
+            return m;
+        }
+    throw Error(QStringLiteral("%1 no admite %2 argumento(s); firmas: %3")
+                    .arg(metodo)
+                    .arg(argumentos)
+                    .arg(firmas(candidatos)));
+}
 
-    QList<QVariant> valores;
+QVariantList convierteArgumentos(const QMetaMethod &m, const QStringList &argumentos)
+{
+    QVariantList valores;
     const QList<QByteArray> nombres = m.parameterNames();
     for (int i = 0; i < argumentos.size(); ++i) {
         const QString que = QStringLiteral("El argumento %1 (%2)")
@@ -156,10 +159,21 @@ Resultado invocaPorNombre(QObject *objeto, const QString &metodo, const QStringL
                                 .arg(QString::fromLatin1(nombres.value(i)));
         valores << convierte(argumentos.at(i), m.parameterMetaType(i), que);
     }
+    return valores;
+}
+
+Resultado invocaMiembro(QObject *objeto, const QMetaMethod &m, QVariantList valores)
+{
     std::array<QGenericArgument, 10> args{};
     const QList<QByteArray> tipos = m.parameterTypes();
-    for (int i = 0; i < valores.size(); ++i)
+    for (int i = 0; i < valores.size() && i < 10; ++i) {
+        if (valores[i].metaType() != m.parameterMetaType(i) &&
+            !valores[i].convert(m.parameterMetaType(i)))
+            throw Error(QStringLiteral("El argumento %1 de %2 no es del tipo %3.")
+                            .arg(i + 1)
+                            .arg(QString::fromLatin1(m.name()), QString::fromLatin1(tipos.at(i))));
         args[size_t(i)] = QGenericArgument(tipos.at(i).constData(), valores.at(i).constData());
+    }
 
     Resultado r;
     QGenericReturnArgument ret;
@@ -174,6 +188,12 @@ Resultado invocaPorNombre(QObject *objeto, const QString &metodo, const QStringL
         throw Error(QStringLiteral("No se pudo llamar a %1.")
                         .arg(QString::fromLatin1(m.methodSignature())));
     return r;
+}
+
+Resultado invocaPorNombre(QObject *objeto, const QString &metodo, const QStringList &argumentos)
+{
+    const QMetaMethod m = miembroPorNombre(objeto, metodo, int(argumentos.size()));
+    return invocaMiembro(objeto, m, convierteArgumentos(m, argumentos));
 }
 
 bool abreVentana(const QString &metodo)

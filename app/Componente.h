@@ -4,6 +4,7 @@
 // entry points, creating Produccion by name as any host would, and calling
 // its members by name through the meta-object system.
 
+#include <QMetaMethod>
 #include <QObject>
 #include <QString>
 #include <QStringList>
@@ -46,6 +47,13 @@ struct Resultado
 // Throws Error on an unknown member, a wrong number of arguments or a value
 // that does not convert.
 Resultado invocaPorNombre(QObject *objeto, const QString &metodo, const QStringList &argumentos);
+
+// The parts of invocaPorNombre: the public member of that name taking that
+// many arguments, the texts converted to its parameter types, and the call
+// with values of those types (others are converted or refused). Throw Error.
+QMetaMethod miembroPorNombre(const QObject *objeto, const QString &metodo, int argumentos);
+QVariantList convierteArgumentos(const QMetaMethod &m, const QStringList &argumentos);
+Resultado invocaMiembro(QObject *objeto, const QMetaMethod &m, QVariantList valores);
 
 // Members of the class that open a window and return at once.
 bool abreVentana(const QString &metodo);

@@ -1,5 +1,7 @@
 #include "app/DialogoKit.h"
 
+#include "host/Comprobaciones.h"
+#include "host/Interaccion.h"
 #include "host/Sql.h"
 #include "runtime/Error.h"
 
@@ -10,7 +12,6 @@
 #include <QFormLayout>
 #include <QHBoxLayout>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSpinBox>
@@ -21,7 +22,8 @@
 
 namespace zuvi::app {
 
-DialogoKit::DialogoKit(const QSqlDatabase &db, Operacion operacion, QWidget *padre) : QDialog(padre)
+DialogoKit::DialogoKit(const QSqlDatabase &db, Operacion operacion, QWidget *padre)
+    : QDialog(padre), m_db(db)
 {
     setObjectName(QStringLiteral("dlgKit"));
     setWindowTitle(QStringLiteral("Kits"));
@@ -137,17 +139,26 @@ qint32 DialogoKit::orden() const
 
 void DialogoKit::accept()
 {
+    // The same checks as every other door, so the dialog closes only on what
+    // the call will take.
     QString falta;
     bool ok = false;
     m_almacen->currentText().trimmed().toInt(&ok);
-    if (articulo().isEmpty())
-        falta = QStringLiteral("Escriba o elija el artículo del kit.");
-    else if (!ok)
+    if (!ok) {
         falta = QStringLiteral("El almacén debe ser un número entero.");
-    else if (m_cantidad->value() <= 0)
-        falta = QStringLiteral("La cantidad debe ser mayor que cero.");
+    } else {
+        try {
+            if (operacion() == Operacion::Ensamble)
+                anfitrion::compruebaEnsamble(m_db, articulo(), almacen(), qRound(cantidad()),
+                                             orden());
+            else
+                anfitrion::compruebaDesensamble(m_db, articulo(), cantidad(), almacen(), orden());
+        } catch (...) {
+            falta = describeCurrentException();
+        }
+    }
     if (!falta.isEmpty()) {
-        QMessageBox::warning(this, QStringLiteral("ZuviProduccion"), falta);
+        anfitrion::interaccion().mensaje(falta, 48);
         return;
     }
     QDialog::accept();

@@ -27,12 +27,14 @@ public:
     double cantidad() const; // whole for assembly
     qint32 orden() const;    // 0 for none
 
+    // Refuses, with a message, what the host's checks refuse.
     void accept() override;
 
 private:
     void cambiaOperacion();
     void llenaListas(const QSqlDatabase &db);
 
+    QSqlDatabase m_db;
     QRadioButton *m_ensamble = nullptr;
     QRadioButton *m_desensamble = nullptr;
     QComboBox *m_articulo = nullptr;

@@ -3,9 +3,10 @@
 #include "app/Comandos.h"
 #include "app/Componente.h"
 #include "app/DialogoKit.h"
-#include "app/Kits.h"
+#include "app/Lotes.h"
 #include "contract/Identidad.h"
 #include "host/Anfitrion.h"
+#include "host/Comprobaciones.h"
 #include "host/Impresion.h"
 #include "host/Interaccion.h"
 #include "host/RolMes.h"
@@ -275,6 +276,24 @@ void VentanaPrincipal::consulta()
         llama("ConsultaOp", op);
 }
 
+Desenlace VentanaPrincipal::lote(const QString &metodo, const QVariantList &valores)
+{
+    Desenlace d;
+    try {
+        if (!m_produccion)
+            throw Error(QStringLiteral("El componente de producción no está disponible."));
+        d = llamaMiembro(m_produccion.data(), m_sesion.conexion(), metodo, valores);
+    } catch (const anfitrion::Rechazo &e) {
+        anfitrion::interaccion().mensaje(e.description(), 48);
+    } catch (...) {
+        muestraError(describeCurrentException());
+    }
+    if (!d.resumen.isEmpty())
+        anfitrion::interaccion().mensaje(d.resumen, d.completo ? 64 : 16);
+    actualiza();
+    return d;
+}
+
 void VentanaPrincipal::entrega()
 {
     const qint32 op = ordenSeleccionada();
@@ -283,26 +302,21 @@ void VentanaPrincipal::entrega()
     if (!anfitrion::interaccion().pregunta(
             QStringLiteral("¿Entregar el producto terminado de la orden %1?").arg(op)))
         return;
-    llama("EntregaProductoTerminado", op);
+    const Desenlace d = lote(QStringLiteral("EntregaProductoTerminado"), {op});
+    if (d.llamado && d.completo)
+        statusBar()->showMessage(
+            QStringLiteral("Producto terminado de la orden %1 entregado.").arg(op), 8000);
 }
 
 void VentanaPrincipal::cancela()
 {
     const qint32 op = ordenSeleccionada();
-    if (!op || !m_produccion)
+    if (!op)
         return;
     // CancelaOp asks its own questions and says whether it changed anything.
-    VBool hecho = VFalse;
-    try {
-        QMetaObject::invokeMethod(m_produccion.data(), "CancelaOp",
-                                  Q_RETURN_ARG(zuvi::VBool, hecho), Q_ARG(qint32, op));
-    } catch (...) {
-        muestraError(describeCurrentException());
-    }
-    actualiza();
-    statusBar()->showMessage(fromVBool(hecho)
-                                 ? QStringLiteral("Orden %1 cancelada.").arg(op)
-                                 : QStringLiteral("La orden %1 no se canceló.").arg(op),
+    const Desenlace d = lote(QStringLiteral("CancelaOp"), {op});
+    statusBar()->showMessage(d.completo ? QStringLiteral("Orden %1 cancelada.").arg(op)
+                                        : QStringLiteral("La orden %1 no se canceló.").arg(op),
                              8000);
 }
 
@@ -313,23 +327,14 @@ void VentanaPrincipal::kits(bool desensamble)
         desensamble ? DialogoKit::Operacion::Desensamble : DialogoKit::Operacion::Ensamble, this);
     if (dialogo.exec() != QDialog::Accepted)
         return;
-    const QString articulo = dialogo.articulo();
-    if (dialogo.operacion() == DialogoKit::Operacion::Ensamble) {
-        llama("Ensamble", articulo, dialogo.almacen(), qint32(qRound(dialogo.cantidad())),
-              dialogo.orden());
-        return;
-    }
-    QString motivo;
-    try {
-        motivo = motivoParaNoDesensamblar(m_sesion.conexion(), articulo);
-    } catch (...) {
-        motivo = describeCurrentException();
-    }
-    if (!motivo.isEmpty()) {
-        muestraError(motivo);
-        return;
-    }
-    llama("Desensamble", articulo, dialogo.cantidad(), dialogo.almacen(), dialogo.orden());
+    // The dialog checked the values; the same checks run again at the call,
+    // since the catalogue may have changed while it was open.
+    if (dialogo.operacion() == DialogoKit::Operacion::Ensamble)
+        lote(QStringLiteral("Ensamble"), {dialogo.articulo(), dialogo.almacen(),
+                                          qint32(qRound(dialogo.cantidad())), dialogo.orden()});
+    else
+        lote(QStringLiteral("Desensamble"),
+             {dialogo.articulo(), dialogo.cantidad(), dialogo.almacen(), dialogo.orden()});
 }
 
 void VentanaPrincipal::fracciones()

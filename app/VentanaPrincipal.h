@@ -5,6 +5,7 @@
 
 #include <QMainWindow>
 #include <QPointer>
+#include <QVariantList>
 
 class QAction;
 class QTableWidget;
@@ -14,6 +15,8 @@ class Sesion;
 }
 
 namespace zuvi::app {
+
+struct Desenlace;
 
 class VentanaPrincipal : public QMainWindow
 {
@@ -41,6 +44,10 @@ private:
     // Calls a member of the component by name inside an error boundary, then
     // refreshes the list. False when the call could not be made.
     template <typename... A> bool llama(const char *metodo, A... argumentos);
+
+    // A member through the host's door: a refusal or what was left undone is
+    // shown, then the list is read again.
+    Desenlace lote(const QString &metodo, const QVariantList &valores);
 
     void nueva();
     void modifica();

@@ -3,6 +3,7 @@
 #include "host/Anfitrion.h"
 #include "host/Sql.h"
 #include "runtime/Error.h"
+#include "runtime/Text.h"
 
 #include <QSqlDatabase>
 #include <QSqlError>
@@ -97,9 +98,15 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
                         .arg(m_tipo));
     if (m_articulo.trimmed().isEmpty())
         throw Error(QStringLiteral("Falta el artículo del movimiento de inventario."));
-    if (!std::isfinite(m_cantidad) || !std::isfinite(m_costo))
-        throw Error(QStringLiteral("La cantidad o el costo del movimiento de %1 no es un número.")
-                        .arg(m_articulo));
+    // Nothing that is not a finite number is posted: an infinite value would
+    // poison every total of the article from then on.
+    if (!std::isfinite(m_cantidad) || !std::isfinite(m_costo) ||
+        !std::isfinite(m_cantidad * m_costo) || !std::isfinite(m_almacen))
+        throw Error(QStringLiteral("El movimiento de %1 no se registró: la cantidad (%2), el "
+                                   "costo (%3) o su importe no es un número finito.")
+                        .arg(eco(m_articulo))
+                        .arg(m_cantidad, 0, 'g', 15)
+                        .arg(m_costo, 0, 'g', 15));
 
     const QSqlDatabase db = m_ambiente->Conexion();
     const double importe = m_cantidad * m_costo;

@@ -11,6 +11,7 @@
 #include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QStringList>
 #include <QVBoxLayout>
 
 #include <cstdio>
@@ -344,6 +345,44 @@ void ponInteraccion(std::shared_ptr<Interaccion> nueva)
     // The component's error reports take the same way out as every message.
     setReportSink(
         [](const QString &titulo, const QString &texto) { interaccion().reporte(titulo, texto); });
+}
+
+LoteDeReportes::LoteDeReportes() : m_anterior(reportSink())
+{
+    setReportSink([this](const QString &titulo, const QString &texto) {
+        if (m_mostrados > 0 && texto == m_ultimo) {
+            ++m_repetidos;
+            return;
+        }
+        if (m_primero.isEmpty()) {
+            // "Error occured:", "Module: ", "Function: ", "Description: ".
+            const QStringList lineas = texto.split(QStringLiteral("\r\n"));
+            m_primero = lineas.size() >= 4
+                            ? lineas[2].section(QStringLiteral(": "), 1, -1) +
+                                  QStringLiteral(": ") +
+                                  lineas.mid(3).join(u' ').section(QStringLiteral(": "), 1, -1)
+                            : texto;
+        }
+        m_ultimo = texto;
+        ++m_mostrados;
+        m_anterior(titulo, texto);
+    });
+}
+
+LoteDeReportes::~LoteDeReportes()
+{
+    setReportSink(m_anterior);
+}
+
+QString LoteDeReportes::avisoRepetidos() const
+{
+    if (m_repetidos == 0)
+        return QString();
+    return m_repetidos == 1 ? QStringLiteral("Un informe de error igual al anterior no se volvió "
+                                             "a mostrar.")
+                            : QStringLiteral("%1 informes de error iguales al anterior no se "
+                                             "volvieron a mostrar.")
+                                  .arg(m_repetidos);
 }
 
 std::shared_ptr<Interaccion> interaccionTerminal(bool siATodo)

@@ -4,6 +4,8 @@
 // boxes, questions and progress. The desktop shell installs dialogs, the
 // command line installs the terminal, tests install a scripted one.
 
+#include "runtime/Error.h"
+
 #include <QString>
 
 #include <memory>
@@ -44,5 +46,31 @@ void ponInteraccion(std::shared_ptr<Interaccion> nueva);
 std::shared_ptr<Interaccion> interaccionTerminal(bool siATodo);
 // Desktop shell: message boxes, Yes/No dialogs, a progress dialog.
 std::shared_ptr<Interaccion> interaccionVentanas(bool siATodo);
+
+// The error reports of one batch operation. A report identical to the one
+// just shown is counted instead of shown again: a lost connection would
+// otherwise bring the same box up once per remaining line. While it lives it
+// stands in front of the report way out in force and puts it back when it goes.
+class LoteDeReportes
+{
+public:
+    LoteDeReportes();
+    ~LoteDeReportes();
+    LoteDeReportes(const LoteDeReportes &) = delete;
+    LoteDeReportes &operator=(const LoteDeReportes &) = delete;
+
+    int mostrados() const { return m_mostrados; }
+    int repetidos() const { return m_repetidos; }
+    // The first report as "Procedure: description"; empty when there was none.
+    QString primero() const { return m_primero; }
+    // What to say at the end about the reports not shown; empty when none.
+    QString avisoRepetidos() const;
+
+private:
+    ReportSink m_anterior;
+    QString m_ultimo, m_primero;
+    int m_mostrados = 0;
+    int m_repetidos = 0;
+};
 
 } // namespace zuvi::anfitrion

@@ -56,6 +56,13 @@ void setReportSink(ReportSink s)
     sink() = std::move(s);
 }
 
+ReportSink reportSink()
+{
+    if (sink())
+        return sink();
+    return defaultSink;
+}
+
 void showErrorReport(const QString &module, const QString &procedure, const QString &description)
 {
     const QString title = QStringLiteral("ZuviProduccion");

@@ -38,6 +38,9 @@ ZUVI_RUNTIME_EXPORT QString errorReportText(const QString &module, const QString
 // "ZuviProduccion" in the shell), they are written to standard error.
 using ReportSink = std::function<void(const QString &title, const QString &text)>;
 ZUVI_RUNTIME_EXPORT void setReportSink(ReportSink sink);
+// The way out in force (the standard-error writer when none was installed),
+// for a host that wraps it for a while.
+ZUVI_RUNTIME_EXPORT ReportSink reportSink();
 ZUVI_RUNTIME_EXPORT void showErrorReport(const QString &module, const QString &procedure,
                                          const QString &description);
 

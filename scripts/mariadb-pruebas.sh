@@ -3,17 +3,20 @@
 #
 #   mariadb-pruebas.sh start DIR [server options...]
 #   mariadb-pruebas.sh stop DIR
+#   mariadb-pruebas.sh reanuda DIR
 #
 # start creates a fresh data directory under DIR, starts the server on
 # 127.0.0.1 on a free port with its own socket and pid file under DIR and
 # lower_case_table_names=1 (extra server options come after DIR and win, e.g.
 # --lower-case-table-names=0), waits until it answers and writes
 # "mariadb://root@127.0.0.1:PORT/" to DIR/url. Grants are skipped: the server
-# is reachable from this machine only. stop shuts it down and waits.
+# is reachable from this machine only. stop shuts it down and waits. reanuda
+# starts it again on the data directory and port it had (after it was killed,
+# say), without wiping anything.
 set -euo pipefail
 
 uso() {
-    echo "uso: $0 start DIR [opciones del servidor...] | stop DIR" >&2
+    echo "uso: $0 start DIR [opciones del servidor...] | stop DIR | reanuda DIR" >&2
     exit 2
 }
 
@@ -102,6 +105,17 @@ arranca() {
         exit 1
     fi
     puerto=$(puerto_libre)
+    echo "$puerto" >"$dir/puerto"
+    lanza "$puerto" "$@"
+}
+
+# Starts the server on the existing data directory and waits until it answers.
+lanza() {
+    local bin usuario puerto
+    bin=$(servidor)
+    usuario=$(id -un)
+    puerto=$1
+    shift
     : >"$log"
     setsid "$bin" --no-defaults --datadir="$datos" --socket="$socket" --pid-file="$pidfile" \
         --port="$puerto" --bind-address=127.0.0.1 --user="$usuario" \
@@ -125,8 +139,25 @@ arranca() {
     exit 1
 }
 
+reanuda() {
+    [ -d "$datos" ] && [ -f "$dir/puerto" ] || {
+        echo "No hay un servidor de prueba que reanudar en $dir." >&2
+        exit 1
+    }
+    local puerto
+    puerto=$(cat "$dir/puerto")
+    # A killed server may linger as a zombie that kill -0 still finds: ask it.
+    if mariadb-admin --no-defaults --protocol=tcp -h127.0.0.1 -P"$puerto" -uroot \
+        --connect-timeout=2 ping >/dev/null 2>&1; then
+        return 0
+    fi
+    rm -f "$pidfile" "$socket"
+    lanza "$puerto" "$@"
+}
+
 case $accion in
 start) arranca "$@" ;;
 stop) para ;;
+reanuda) reanuda "$@" ;;
 *) uso ;;
 esac

@@ -3,22 +3,17 @@
 
 #include "runtime/ComponentRegistry.h"
 #include "tests/support/BaseDePrueba.h"
+#include "tests/support/Corrida.h"
 
 #include <QFileInfo>
-#include <QProcess>
 #include <QTemporaryDir>
 #include <QtTest>
 
 using namespace zuvi;
+using pruebas::corre;
+using pruebas::Corrida;
 
 const QString kProgId = QStringLiteral("ZuviProduccion.Produccion");
-
-struct Corrida
-{
-    int codigo = -1; // also when the program did not start, crashed or hung
-    QString salida, error;
-    QByteArray dice() const { return QString("%1 %2 %3").arg(codigo).arg(salida, error).toUtf8(); }
-};
 
 class TstLineaComandos : public QObject
 {
@@ -26,15 +21,6 @@ class TstLineaComandos : public QObject
 
     QTemporaryDir m_dir;
     QString basura() const { return m_dir.filePath("basura.db"); }
-
-    static Corrida corre(const QStringList &args)
-    {
-        QProcess p; // killed on the way out when it hangs
-        p.start(ZUVI_BIN_DIR "/zuvi-produccion", args);
-        p.closeWriteChannel(); // no terminal: questions are answered no
-        const bool normal = p.waitForFinished(180000) && p.exitStatus() == QProcess::NormalExit;
-        return {normal ? p.exitCode() : -1, p.readAllStandardOutput(), p.readAllStandardError()};
-    }
 
 private slots:
     void initTestCase()
@@ -64,6 +50,15 @@ private slots:
                        const QString &e = "3 2 0 0 12") { // untouched
             QTest::newRow(nombre) << a.split(' ') << codigo << dice.split('|') << e;
         };
+        // Every door to the kit operations refuses the same quantities, before anything runs.
+        for (const char *q : {"0", "-1", "2e307", "nan", "inf", "1000000001"})
+            for (const char *puerta :
+                 {"ensamble SOPORTE 3 %1", "desensamble SOPORTE %1 3",
+                  "invoca Ensamble SOPORTE 3 %1 0", "invoca Desensamble SOPORTE %1 3"})
+                fila(qPrintable(QString(puerta).arg(q)), QString(puerta).arg(q), 2, "antidad");
+        QTest::newRow("invoca Ensamble con comillas")
+            << QStringList{"invoca", "Ensamble", "X' OR '1'='1", "3", "1"} << 2
+            << QStringList{"X' OR '1'='1", "comillas"} << "3 2 0 0 12";
         fila("--help", "--help", 0, // desregistra, desensamble stand for registra, ensamble too
              "Uso: zuvi-produccion|crea-base|desregistra|invoca|entrega|desensamble|cancela|"
              "--base|--traza-sql|--si");
@@ -81,7 +76,14 @@ private slots:
         fila("método inexistente", "invoca NoExiste", 2, "no tiene un método");
         fila("argumento no numérico", "invoca ModificaOp abc", 2, "número entero");
         fila("argumentos de más", "invoca ModificaOp 1 2", 2, "no admite 2");
-        fila("kit inexistente", "ensamble NOEXISTE 3 1", 2, "no es un kit");
+        fila("kit inexistente", "ensamble NOEXISTE 3 1", 2, "\"NOEXISTE\" no existe");
+        fila("no es kit", "invoca Ensamble TORN-01 3 1", 2, "no es un kit");
+        fila("ensamble almacén inexistente", "ensamble SOPORTE 99 1", 2, "almacén 99 no existe");
+        fila("ensamble orden inexistente", "ensamble SOPORTE 3 1 999", 2, "999 no existe");
+        fila("desensamble almacén inexistente", "desensamble SOPORTE 1 7", 2, "almacén 7 no");
+        fila("desensamble orden inexistente", "desensamble SOPORTE 1 3 998", 2, "998 no existe");
+        fila("cancela inexistente", "cancela 997 --si", 2, "997 no existe");
+        fila("entrega por nombre inexistente", "invoca EntregaProductoTerminado 996", 2, "996");
         fila("base carpeta", "crea-base --base " + m_dir.path(), 1, "es una carpeta");
         fila("base archivo que no es base", "crea-base --base " + basura(), 1, "basura");
         fila("base sin servidor", "cancela 1 --base mariadb://u@127.0.0.1:1/x", 1, "conectar");
@@ -101,7 +103,8 @@ private slots:
         fila("CancelaOp por nombre cierra", "invoca CancelaOp 2 --si", 0, "-1", "3 2 1 0 12");
         fila("ensamble", "ensamble SOPORTE 3 2", 0, "terminado", "3 2 0 4 14");
         fila("desensamble 1,5", "desensamble SOPORTE 1,5 3", 0, "", "3 2 0 4 10.5");
-        fila("desensamble kit anidado", "desensamble REPISA 1 3", 1, "REPISA|SOPORTE|kit");
+        fila("desensamble kit anidado", "desensamble REPISA 1 3", 2, "REPISA|SOPORTE|kit");
+        fila("kit anidado por nombre", "invoca Desensamble REPISA 1 3", 2, "REPISA|SOPORTE|kit");
         fila("ventana sin pantalla", "invoca MuestraCapturaDeFracciones", 0, "Sin pantalla");
         fila("rol mes mal escrito", "rol 2024-13", 2, "AAAA-MM");
         fila("turno fuera de rol", "entrega 1 --turno NOCHE", 2, "--turno");

@@ -16,7 +16,7 @@ class TstVentanaPrincipal : public QObject
     Q_OBJECT
 
 private slots:
-    void listaDeOrdenesAccionesYKits()
+    void listaDeOrdenesYAcciones()
     {
         pruebas::preparaRegistro();
         pruebas::BaseDePrueba base;
@@ -53,27 +53,80 @@ private slots:
         QCOMPARE(base.escalar(resto).toInt(), 2);
         accion("actEntregar")->trigger();
         QCOMPARE(base.escalar(resto).toInt(), 0);
-        QCOMPARE(guion->preguntas().size(), 3); // one to cancel, one per delivery
+        // Delivered already: a second delivery asks again; a no posts nothing.
+        const QString movimientos = "SELECT COUNT(*) FROM movimientos";
+        const int antes = base.escalar(movimientos).toInt();
+        guion->respuestas({true, false});
+        accion("actEntregar")->trigger();
+        QCOMPARE(base.escalar(movimientos).toInt(), antes);
+        QCOMPARE(guion->preguntas().size(), 5); // one to cancel, one per delivery, one "again"
+        QVERIFY(guion->preguntas().last().contains("ya tiene 2 entrada(s)"));
+    }
 
-        auto kit = [&](const QString &texto, const QString &articulo) { // movements it made
-            const int antes = base.escalar("SELECT COUNT(*) FROM movimientos").toInt();
-            QTimer::singleShot(0, this, [articulo] {
-                auto *d = qobject_cast<app::DialogoKit *>(QApplication::activeModalWidget());
-                QVERIFY(d);
-                d->findChild<QComboBox *>("cmbArticulo")->setCurrentText(articulo);
-                d->findChild<QComboBox *>("cmbAlmacen")->setCurrentText(QStringLiteral("3"));
-                d->accept();
-            });
-            for (QAction *a : ventana.findChildren<QAction *>())
-                if (a->text() == texto)
-                    a->trigger();
-            return base.escalar("SELECT COUNT(*) FROM movimientos").toInt() - antes;
-        };
-        QCOMPARE(kit("&Ensamblar...", "SOPORTE"), 4);
-        QCOMPARE(kit("&Desensamblar...", "SOPORTE"), 4);
-        QCOMPARE(kit("&Desensamblar...", "REPISA"), 0); // a kit inside: refused, and said why
-        QVERIFY(guion->textosMensajes().size() == 1 &&
-                guion->textosMensajes()[0].contains("SOPORTE"));
+    // The kit dialog refuses what every other door refuses, and says why; what it lets through
+    // posts the components and the kit.
+    void dialogoDeKits_data()
+    {
+        QTest::addColumn<bool>("desensambla");
+        QTest::addColumn<QString>("articulo");
+        QTest::addColumn<QString>("almacen");
+        QTest::addColumn<double>("cantidad");
+        QTest::addColumn<int>("orden");
+        QTest::addColumn<QString>("dice"); // the refusal; empty when let through
+        QTest::newRow("ensamble") << false << "SOPORTE"
+                                  << "3" << 2.0 << 0 << "";
+        QTest::newRow("desensamble") << true << "SOPORTE"
+                                     << "3" << 1.5 << 1 << "";
+        QTest::newRow("kit con kits") << true << "REPISA"
+                                      << "3" << 1.0 << 0 << "SOPORTE es a su vez un kit";
+        QTest::newRow("cantidad 0") << false << "SOPORTE"
+                                    << "3" << 0.0 << 0 << "mayor que cero";
+        QTest::newRow("almacén inexistente") << false << "SOPORTE"
+                                             << "99" << 1.0 << 0 << "almacén 99 no existe";
+        QTest::newRow("almacén con letras") << true << "SOPORTE"
+                                            << "x" << 1.0 << 0 << "número entero";
+        QTest::newRow("comillas") << false << "X' OR '1'='1"
+                                  << "3" << 1.0 << 0 << "comillas";
+        QTest::newRow("orden inexistente") << true << "SOPORTE"
+                                           << "3" << 1.0 << 999 << "999 no existe";
+    }
+
+    void dialogoDeKits()
+    {
+        QFETCH(bool, desensambla);
+        QFETCH(QString, articulo);
+        QFETCH(QString, almacen);
+        QFETCH(double, cantidad);
+        QFETCH(int, orden);
+        QFETCH(QString, dice);
+        pruebas::preparaRegistro();
+        pruebas::BaseDePrueba base;
+        auto guion = pruebas::InteraccionGuionada::instala();
+        auto produccion = app::creaProduccion(base.ambiente());
+        app::VentanaPrincipal ventana(base.sesion(), produccion.get());
+        bool cerrado = false;
+        QTimer::singleShot(0, this, [&] {
+            auto *d = qobject_cast<app::DialogoKit *>(QApplication::activeModalWidget());
+            QVERIFY(d);
+            d->findChild<QComboBox *>("cmbArticulo")->setCurrentText(articulo);
+            d->findChild<QComboBox *>("cmbAlmacen")->setCurrentText(almacen);
+            d->findChild<QDoubleSpinBox *>("spnCantidad")->setValue(cantidad);
+            d->findChild<QSpinBox *>("spnOrden")->setValue(orden);
+            d->accept();
+            cerrado = !d->isVisible();
+            if (!cerrado)
+                d->reject();
+        });
+        const QString texto = desensambla ? "&Desensamblar..." : "&Ensamblar...";
+        for (QAction *a : ventana.findChildren<QAction *>())
+            if (a->text() == texto)
+                a->trigger();
+        const QStringList mensajes = guion->textosMensajes();
+        QCOMPARE(cerrado, dice.isEmpty());
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), dice.isEmpty() ? 4 : 0);
+        QVERIFY2(dice.isEmpty() ? mensajes.isEmpty()
+                                : mensajes.size() == 1 && mensajes[0].contains(dice),
+                 qPrintable(mensajes.join('|')));
     }
 };
 

@@ -1,0 +1,251 @@
+// A delivery that stops halfway is said to have stopped, with its lines and the first error; the
+// stock keeps matching the movements; and delivering the order again needs a yes.
+
+#include "app/Componente.h"
+#include "app/Lotes.h"
+#include "host/Comprobaciones.h"
+#include "host/Sql.h"
+#include "tests/support/BaseDePrueba.h"
+#include "tests/support/Corrida.h"
+#include "tests/support/InteraccionGuionada.h"
+
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QtTest>
+
+#include <csignal>
+#include <functional>
+
+using namespace zuvi;
+using pruebas::BaseDePrueba;
+
+namespace {
+
+// The scripted seam, plus something done at a given step of the progress bar.
+struct InteraccionConTropiezo : pruebas::InteraccionGuionada
+{
+    int paso = 0;
+    std::function<void()> tropiezo;
+    std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
+    {
+        struct Indicador : anfitrion::IndicadorProgreso
+        {
+            InteraccionConTropiezo *i;
+            void inicia(int, const QString &, const QString &) override {}
+            void avanza(int n, const QString &, const QString &) override
+            {
+                if (n == i->paso && i->tropiezo)
+                    i->tropiezo();
+            }
+            void cierra() override {}
+        };
+        auto indicador = std::make_unique<Indicador>();
+        indicador->i = this;
+        return indicador;
+    }
+};
+
+// Order 9, to warehouse 3: `lineas` lines of SOPORTE, line n asking n % 5 + 1 kits.
+void creaOrden(BaseDePrueba &base, int lineas)
+{
+    base.ejecuta("INSERT INTO op (op, estado, almacen) VALUES (9, 'PE', 3)");
+    for (int desde = 1; desde <= lineas; desde += 500) {
+        QStringList filas;
+        for (int n = desde; n < desde + 500 && n <= lineas; ++n)
+            filas << QString("(%1, 9, 'SOPORTE', %2, %3, 0)").arg(1000 + n).arg(n % 5 + 1).arg(n);
+        base.ejecuta("INSERT INTO oppart (id_entrada, op, articulo, cantidad, partida, terminado) "
+                     "VALUES " +
+                     filas.join(','));
+    }
+}
+
+// Stock of each article and warehouse, as "article/warehouse" -> quantity.
+QMap<QString, double> existencias(BaseDePrueba &base)
+{
+    QMap<QString, double> m;
+    for (const QString &f : base.filas("SELECT articulo, almacen, cantidad FROM existencias", '|'))
+        m[f.section('|', 0, 1)] = f.section('|', 2).toDouble();
+    return m;
+}
+
+// Where the stock moved by other than its movements say (no movements before `inicial`).
+QStringList descuadres(BaseDePrueba &base, const QMap<QString, double> &inicial)
+{
+    QMap<QString, double> movido;
+    for (const QString &f :
+         base.filas("SELECT articulo, almacen, SUM(CASE WHEN tipo = 'E' THEN cantidad ELSE "
+                    "-cantidad END) FROM movimientos GROUP BY articulo, almacen",
+                    '|'))
+        movido[f.section('|', 0, 1)] = f.section('|', 2).toDouble();
+    QStringList malos;
+    const QMap<QString, double> ahora = existencias(base);
+    for (auto it = ahora.begin(); it != ahora.end(); ++it)
+        if (!qFuzzyCompare(1 + it.value() - inicial.value(it.key()), 1 + movido.value(it.key())))
+            malos << it.key();
+    return malos;
+}
+
+const char kEntradas[] = "SELECT COUNT(*) FROM movimientos WHERE orden = 9 AND tipo = 'E'";
+
+} // namespace
+
+class TstEntrega : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void initTestCase() { pruebas::preparaRegistro(); }
+
+    void entregaAMedias_data()
+    {
+        QTest::addColumn<QString>("dano"); // a statement, or "cierra" to close the connection
+        QTest::addColumn<QStringList>("dice");
+        QTest::addColumn<int>("entregadas"); // kit entries of the first run
+        QTest::newRow("cantidad nula")
+            << "UPDATE oppart SET cantidad = NULL WHERE op = 9 AND partida = 3"
+            << QStringList{"3 de 5 líneas", "Línea 3: SOPORTE, cantidad nula", "Línea 5",
+                           "Primer error: la cantidad de la línea 3 (SOPORTE) no es un número"}
+            << 2;
+        if (!BaseDePrueba::enMariaDB()) // a DOUBLE column there holds no text
+            QTest::newRow("cantidad no numérica")
+                << "UPDATE oppart SET cantidad = 'tres' WHERE op = 9 AND partida = 4"
+                << QStringList{"2 de 5 líneas", "Línea 4: SOPORTE, cantidad tres", "Línea 5"} << 3;
+        QTest::newRow("conexión cerrada")
+            << "cierra"
+            << QStringList{"no se pudo comprobar",
+                           "Primer error: Ensamble: ", "2 informes de error iguales"}
+            << 2;
+    }
+
+    void entregaAMedias()
+    {
+        QFETCH(QString, dano);
+        QFETCH(QStringList, dice);
+        QFETCH(int, entregadas);
+        BaseDePrueba base;
+        creaOrden(base, 5);
+        const QMap<QString, double> inicial = existencias(base);
+        auto guion = std::make_shared<InteraccionConTropiezo>();
+        anfitrion::ponInteraccion(guion);
+        QSqlDatabase db = base.conexion();
+        if (dano == "cierra") {
+            guion->paso = 3; // under the host, before the third line
+            guion->tropiezo = [&db, g = guion.get()] {
+                g->paso = -1; // once
+                anfitrion::olvidaSentencias(db);
+                db.close();
+            };
+        } else {
+            base.ejecuta(dano);
+        }
+        auto produccion = app::creaProduccion(base.ambiente());
+        app::Desenlace d = app::llamaMiembro(produccion.get(), db,
+                                             QStringLiteral("EntregaProductoTerminado"), {9});
+        QVERIFY2(d.llamado && !d.completo, qPrintable(d.resumen));
+        for (const QString &texto : dice)
+            QVERIFY2(d.resumen.contains(texto), qPrintable(d.resumen));
+        QVERIFY(guion->reportes().size() <= 1); // the rest counted
+        if (!db.isOpen())
+            QVERIFY(db.open());
+        QCOMPARE(base.escalar(kEntradas).toInt(), entregadas);
+        QCOMPARE(descuadres(base, inicial), QStringList());
+        QCOMPARE(
+            base.escalar("SELECT COUNT(*) FROM oppart WHERE op = 9 AND terminado <> 0").toInt(), 0);
+
+        // Again: asked first; a no posts nothing, a yes (data mended) posts every line.
+        const int movimientos = base.escalar("SELECT COUNT(*) FROM movimientos").toInt();
+        d = app::llamaMiembro(produccion.get(), db, QStringLiteral("EntregaProductoTerminado"),
+                              {9});
+        QVERIFY(d.rehusado && !d.llamado);
+        QVERIFY(
+            guion->preguntas().value(0).contains(QString("ya tiene %1 entrada").arg(entregadas)));
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), movimientos);
+        base.ejecuta("UPDATE oppart SET cantidad = 1 WHERE op = 9 AND partida IN (3, 4)");
+        guion->respuestas({true});
+        d = app::llamaMiembro(produccion.get(), db, QStringLiteral("EntregaProductoTerminado"),
+                              {9});
+        QVERIFY2(d.completo && d.resumen.isEmpty(), qPrintable(d.resumen));
+        QCOMPARE(base.escalar(kEntradas).toInt(), entregadas + 5);
+        QCOMPARE(descuadres(base, inicial), QStringList());
+    }
+
+    // The command line: exit 1 with the summary and no "delivered"; a second run without a
+    // terminal refuses; --si posts.
+    void entregaDesdeLaLineaDeOrdenes()
+    {
+        BaseDePrueba base;
+        creaOrden(base, 5);
+        base.ejecuta("UPDATE oppart SET cantidad = NULL WHERE op = 9 AND partida = 2");
+        pruebas::Corrida c = pruebas::corre({"--base", base.url(), "entrega", "9"});
+        QVERIFY2(c.codigo == 1 && c.salida.isEmpty() && c.error.contains("4 de 5 líneas") &&
+                     c.error.contains("Línea 2: SOPORTE, cantidad nula"),
+                 c.dice());
+        QCOMPARE(base.escalar(kEntradas).toInt(), 1);
+        c = pruebas::corre({"--base", base.url(), "entrega", "9"});
+        QVERIFY2(c.codigo == 1 && c.error.contains("no se confirmó"), c.dice());
+        QCOMPARE(base.escalar(kEntradas).toInt(), 1);
+        base.ejecuta("UPDATE oppart SET cantidad = 2 WHERE op = 9 AND partida = 2");
+        c = pruebas::corre({"--base", base.url(), "entrega", "9", "--si"});
+        QVERIFY2(c.codigo == 0 && c.salida.contains("entregado"), c.dice());
+        QCOMPARE(base.escalar(kEntradas).toInt(), 6);
+    }
+
+    // A server of its own, killed while a 3,000-line order is being delivered, then started
+    // again on the same data.
+    void servidorCaidoALaMitad()
+    {
+        if (!BaseDePrueba::enMariaDB())
+            QSKIP("only against a MariaDB server");
+        QTemporaryDir dir;
+        const QString script = ZUVI_SOURCE_DIR "/scripts/mariadb-pruebas.sh";
+        auto servidor = [&](const QString &accion) {
+            return QProcess::execute("bash", {script, accion, dir.path()}) == 0;
+        };
+        QVERIFY(servidor("start"));
+        const QByteArray urlComun = qgetenv("ZUVI_PRUEBA_MARIADB_URL_FILE");
+        qputenv("ZUVI_PRUEBA_MARIADB_URL_FILE", QFile::encodeName(dir.filePath("url")));
+        auto limpia = qScopeGuard([&] {
+            servidor("stop");
+            qputenv("ZUVI_PRUEBA_MARIADB_URL_FILE", urlComun);
+        });
+        auto base = std::make_unique<BaseDePrueba>();
+        creaOrden(*base, 3000);
+        const QMap<QString, double> inicial = existencias(*base);
+        QFile pid(dir.filePath("mariadb.pid"));
+        QVERIFY(pid.open(QIODevice::ReadOnly));
+        const pid_t servidorPid = pid.readAll().trimmed().toInt();
+        bool muerto = false;
+        pruebas::Corrida c = pruebas::corre({"--base", base->url(), "entrega", "9"}, [&] {
+            if (!muerto && base->escalar("SELECT COUNT(*) FROM movimientos").toInt() >= 400)
+                muerto = ::kill(servidorPid, SIGKILL) == 0;
+        });
+        QVERIFY(muerto);
+        QVERIFY2(c.codigo == 1 && c.salida.isEmpty(), c.dice());
+        QCOMPARE(c.error.count("La entrega de la orden 9"), 1);
+        QVERIFY2(c.error.contains("no se pudo comprobar") &&
+                     c.error.contains("informes de error iguales al anterior") &&
+                     c.error.count("Error occured:") < 5,
+                 c.dice());
+
+        const QString primeraCorrida = c.error.mid(c.error.indexOf("La entrega de la orden 9"));
+        QVERIFY(servidor("reanuda"));
+        anfitrion::olvidaSentencias(base->conexion());
+        QSqlDatabase db = base->conexion();
+        db.close();
+        QVERIFY2(db.open(), qPrintable(db.lastError().text()));
+        const int entradas = base->escalar(kEntradas).toInt();
+        QVERIFY2(entradas >= 100 && entradas < 3000, qPrintable(QString::number(entradas)));
+        QCOMPARE(descuadres(*base, inicial), QStringList());
+        const int movimientos = base->escalar("SELECT COUNT(*) FROM movimientos").toInt();
+        c = pruebas::corre({"--base", base->url(), "entrega", "9"});
+        QVERIFY2(c.codigo == 1 && c.error.contains(QString("ya tiene %1 entrada").arg(entradas)) &&
+                     c.error.contains("no se confirmó"),
+                 c.dice());
+        QCOMPARE(base->escalar("SELECT COUNT(*) FROM movimientos").toInt(), movimientos);
+        qInfo("%d de 3000 líneas entregadas antes de la caída:\n%s", entradas,
+              qPrintable(primeraCorrida));
+    }
+};
+
+QTEST_MAIN(TstEntrega)
+#include "tst_entrega.moc"

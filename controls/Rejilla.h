@@ -59,6 +59,18 @@ public:
     // Takes a line row out; the grid has one row fewer.
     void RemoveItem(int fila);
 
+    // Alignment of the current cell's text: 0-2 left (top, centre, bottom),
+    // 3-5 centred, 6-8 right, in the same vertical order.
+    int CellAlignment() const;
+    void SetCellAlignment(int alineacion);
+
+Q_SIGNALS:
+    // The current cell is about to change: Row() and Col() are still the cell
+    // being left. Then the change has happened. Both for the user's moves and
+    // for SetRow/SetCol.
+    void saleDeCelda();
+    void cambiaCelda();
+
 private:
     void exigeCelda(int fila, int columna) const;
     QRect rectanguloPropio() const;

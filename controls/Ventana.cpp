@@ -1,13 +1,23 @@
 #include "controls/Ventana.h"
 
+#include "controls/MultiCombo.h"
 #include "controls/Teclas.h"
 
+#include <QAbstractScrollArea>
+#include <QAction>
+#include <QApplication>
 #include <QChildEvent>
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPaintEvent>
+#include <QTextEdit>
 
 namespace zuvi {
 
@@ -24,7 +34,7 @@ Ventana::~Ventana()
     // The controls outlive this part of the window by a moment: they must
     // not report their end to a table that is already gone.
     for (auto it = m_enlaces.cbegin(); it != m_enlaces.cend(); ++it)
-        disconnect(it.key(), &QObject::destroyed, this, nullptr);
+        disconnect(it.key(), nullptr, this, nullptr);
 }
 
 void Ventana::muestra(bool modal)
@@ -97,10 +107,84 @@ void Ventana::conectaTeclas(QWidget *control, const QString &nombre, Teclas mane
 {
     if (!control)
         return;
-    m_enlaces.insert(control, Enlace{nombre, indice, std::move(manejadores)});
-    connect(control, &QObject::destroyed, this,
-            [this](QObject *objeto) { m_enlaces.remove(objeto); });
-    vigila(control);
+    enlaza(control, nombre, indice).manejadores = std::move(manejadores);
+    if (auto *caja = qobject_cast<QLineEdit *>(control))
+        caja->setAcceptDrops(false); // a drop would skip KeyPress; pasting does not
+}
+
+Ventana::Enlace &Ventana::enlaza(QWidget *control, const QString &nombre, int indice)
+{
+    if (!m_enlaces.contains(control)) {
+        connect(control, &QObject::destroyed, this,
+                [this](QObject *objeto) { m_enlaces.remove(objeto); });
+        vigila(control);
+    }
+    Enlace &enlace = m_enlaces[control];
+    enlace.nombre = nombre;
+    enlace.indice = indice;
+    return enlace;
+}
+
+void Ventana::conectaEventos(const QString &nombre, Eventos manejadores)
+{
+    const auto miembros = arreglo<QWidget>(nombre);
+    for (int indice : miembros.indices())
+        conectaEventos(miembros(indice), nombre, manejadores, indice);
+}
+
+void Ventana::conectaEventos(QWidget *control, const QString &nombre, Eventos manejadores,
+                             int indice)
+{
+    if (!control)
+        return;
+    Enlace &enlace = enlaza(control, nombre, indice);
+    const bool conCambio = manejadores.Change && !enlace.eventos.Change;
+    enlace.eventos = std::move(manejadores);
+    if (!conCambio)
+        return;
+    const auto cambio = [this, control] {
+        const auto it = m_enlaces.constFind(control);
+        if (it != m_enlaces.cend() && !m_descargada)
+            lanza(*it, "_Change", it->eventos.Change);
+    };
+    if (auto *caja = qobject_cast<QLineEdit *>(control))
+        connect(caja, &QLineEdit::textChanged, this, cambio);
+    else if (auto *texto = qobject_cast<QTextEdit *>(control))
+        connect(texto, &QTextEdit::textChanged, this, cambio);
+    else if (auto *combo = qobject_cast<QComboBox *>(control))
+        connect(combo, &QComboBox::currentTextChanged, this, cambio);
+}
+
+void Ventana::lanza(const Enlace &enlace, const char *evento,
+                    const std::function<void(int)> &manejador)
+{
+    if (!manejador)
+        return;
+    const int indice = enlace.indice;
+    const auto copia = manejador; // the handler may rebind or destroy the control
+    atrapa(enlace.nombre + QLatin1String(evento), [&] { copia(indice); });
+}
+
+void Ventana::pegaFiltrado(QLineEdit *caja)
+{
+    QPointer<QLineEdit> destino(caja);
+    const QString texto = QGuiApplication::clipboard()->text();
+    const Enlace enlace = m_enlaces.value(caja);
+    for (const QChar c : texto) {
+        if (!destino || destino->isReadOnly() || !destino->isEnabled() ||
+            destino->text().size() >= destino->maxLength() || focusWidget() != destino)
+            return;
+        // Undecodable bytes arrive as the replacement character; halves of a
+        // pair and the other non-printing code points cannot be typed either.
+        if (!c.isPrint() || c == QChar::ReplacementCharacter)
+            continue;
+        qint16 caracter = qint16(c.unicode());
+        if (enlace.manejadores.KeyPress)
+            atrapa(enlace.nombre + QStringLiteral("_KeyPress"),
+                   [&] { enlace.manejadores.KeyPress(enlace.indice, caracter); });
+        if (caracter != 0 && destino)
+            destino->insert(QString(QChar(ushort(caracter))));
+    }
 }
 
 void Ventana::closeEvent(QCloseEvent *evento)
@@ -159,9 +243,59 @@ bool Ventana::esDestinoDeTeclas(QWidget *control) const
     return control == foco;
 }
 
+bool Ventana::eventoDeControl(QObject *objeto, QEvent *evento)
+{
+    auto it = m_enlaces.constFind(objeto);
+    if (it == m_enlaces.cend() && evento->type() == QEvent::MouseButtonDblClick) {
+        // A double-click on a list or grid lands on its viewport.
+        auto *area = qobject_cast<QAbstractScrollArea *>(objeto->parent());
+        if (area && area->viewport() == objeto)
+            it = m_enlaces.constFind(area);
+    }
+    if (it == m_enlaces.cend() || m_descargada)
+        return false;
+    const Enlace enlace = *it;
+    switch (evento->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut: {
+        const Qt::FocusReason razon = static_cast<QFocusEvent *>(evento)->reason();
+        if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
+            return false;
+        if (evento->type() == QEvent::FocusIn)
+            lanza(enlace, "_GotFocus", enlace.eventos.GotFocus);
+        else
+            lanza(enlace, "_LostFocus", enlace.eventos.LostFocus);
+        return false;
+    }
+    case QEvent::MouseButtonDblClick:
+        lanza(enlace, "_DblClick", enlace.eventos.DblClick);
+        return false;
+    case QEvent::ContextMenu: {
+        auto *caja = qobject_cast<QLineEdit *>(objeto);
+        if (!caja || !enlace.manejadores.KeyPress)
+            return false;
+        // The box's own menu, with its Paste going through the key filter.
+        const std::unique_ptr<QMenu> menu(caja->createStandardContextMenu());
+        if (auto *pegar = menu->findChild<QAction *>(QStringLiteral("edit-paste"))) {
+            disconnect(pegar, &QAction::triggered, nullptr, nullptr);
+            connect(pegar, &QAction::triggered, this, [this, caja] { pegaFiltrado(caja); });
+        }
+        menu->exec(static_cast<QContextMenuEvent *>(evento)->globalPos());
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
 bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
 {
     switch (evento->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::ContextMenu:
+        return eventoDeControl(objeto, evento);
     case QEvent::ChildAdded: {
         auto *hijo = qobject_cast<QWidget *>(static_cast<QChildEvent *>(evento)->child());
         if (hijo)
@@ -174,6 +308,10 @@ bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
         if (m_reenviando || !control || !esDestinoDeTeclas(control))
             return false;
         auto *tecla = static_cast<QKeyEvent *>(evento);
+        // A drop-down list open under a box moves with the keys first.
+        if (auto *combo = qobject_cast<MultiCombo *>(control->parentWidget());
+            combo && combo->caja() == control && combo->teclaDeLista(tecla))
+            return true;
         return evento->type() == QEvent::KeyPress ? teclaAbajo(control, tecla)
                                                   : teclaArriba(control, tecla);
     }
@@ -199,6 +337,12 @@ bool Ventana::teclaAbajo(QWidget *control, QKeyEvent *evento)
                    [&] { enlace.manejadores.KeyDown(enlace.indice, codigo, shift); });
         if (codigo == 0 || !destino)
             return true;
+    }
+
+    if (auto *caja = qobject_cast<QLineEdit *>(control);
+        caja && enlace.manejadores.KeyPress && evento->matches(QKeySequence::Paste)) {
+        pegaFiltrado(caja);
+        return true;
     }
 
     const qint16 original = teclas::codigoCaracter(evento);

@@ -38,7 +38,11 @@ MultiCombo::MultiCombo(QWidget *parent) : QWidget(parent) {}
 
 MultiCombo::~MultiCombo()
 {
-    delete m_lista.data(); // it lives in the window, above the other controls
+    // The box goes after this part of the container; the list lives in the
+    // window, above the other controls.
+    if (m_caja)
+        m_caja->removeEventFilter(this);
+    delete m_lista.data();
 }
 
 void MultiCombo::PonCaja(QLineEdit *caja)

@@ -203,7 +203,7 @@ void Rejilla::RemoveItem(int fila)
 
 namespace {
 constexpr Qt::Alignment kHorizontal[] = {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight};
-constexpr Qt::Alignment kVertical[] = {Qt::AlignTop, Qt::AlignVCenter, Qt::AlignBottom};
+constexpr Qt::Alignment kVertical[] = {Qt::AlignVCenter, Qt::AlignTop, Qt::AlignBottom};
 } // namespace
 
 int Rejilla::CellAlignment() const
@@ -213,7 +213,7 @@ int Rejilla::CellAlignment() const
         m_fila < m_fijas ? horizontalHeaderItem(m_columna) : item(m_fila - m_fijas, m_columna);
     const Qt::Alignment a =
         celda ? Qt::Alignment(celda->textAlignment()) : Qt::AlignLeft | Qt::AlignVCenter;
-    int h = 0, v = 1;
+    int h = 0, v = 0;
     for (int i = 0; i < 3; ++i) {
         if (a & kHorizontal[i])
             h = i;

@@ -59,8 +59,9 @@ public:
     // Takes a line row out; the grid has one row fewer.
     void RemoveItem(int fila);
 
-    // Alignment of the current cell's text: 0-2 left (top, centre, bottom),
-    // 3-5 centred, 6-8 right, in the same vertical order.
+    // Alignment of the current cell's text: 0-2 left, 3-5 centred, 6-8
+    // right; within each, vertically centred, top, bottom (3 is centred both
+    // ways).
     int CellAlignment() const;
     void SetCellAlignment(int alineacion);
 

@@ -339,8 +339,10 @@ bool Ventana::teclaAbajo(QWidget *control, QKeyEvent *evento)
             return true;
     }
 
+    // Looking up the paste keys is dear: only V and Insert can be one.
+    const bool puedePegar = evento->key() == Qt::Key_V || evento->key() == Qt::Key_Insert;
     if (auto *caja = qobject_cast<QLineEdit *>(control);
-        caja && enlace.manejadores.KeyPress && evento->matches(QKeySequence::Paste)) {
+        caja && puedePegar && enlace.manejadores.KeyPress && evento->matches(QKeySequence::Paste)) {
         pegaFiltrado(caja);
         return true;
     }

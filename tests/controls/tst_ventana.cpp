@@ -4,6 +4,7 @@
 #include "tests/support/CapturaReportes.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QKeySequence>
 #include <QLineEdit>
@@ -31,8 +32,16 @@ public:
                            if (k == teclas::F8)
                                campo(1); // txtFieldsB_1 is not txtFields(1): an error
                        },
-                       {},
+                       [this](int i, qint16 &c) {
+                           anota(QStringLiteral("txtFields_KeyPress %1 %2").arg(i).arg(c));
+                           c = c == '1' ? 0 : c; // refuses the digit one
+                       },
                        {}});
+        const auto evento = [this](const char *nombre) {
+            return [this, nombre](int i) { anota(QStringLiteral("%1 %2").arg(nombre).arg(i)); };
+        };
+        conectaEventos(QStringLiteral("txtFields"), {evento("Change"), evento("GotFocus"),
+                                                     evento("LostFocus"), evento("DblClick")});
     }
     QLineEdit *campo(int i) { return arreglo<QLineEdit>(QStringLiteral("txtFields"))(i); }
     qint16 anota(const QString &linea, qint16 devuelve = 0)
@@ -96,13 +105,46 @@ private Q_SLOTS:
         QVERIFY(v && abre()); // the second window is the active one
         for (const QString caso :
              {"F1=112 0", "F12=123 0", "Return=13 0", "Num+Enter=13 0", "Shift+F2=113 1",
-              "Ctrl+Del=46 2", "Alt+Shift+F3=114 5", "Y=89 0"}) {
+              "Ctrl+Del=46 2", "Alt+Shift+F3=114 5", "Y=89 0", "Shift+(=57 1", "Shift+!=49 1",
+              "Ñ=192 0", "Shift+:=186 1", "'=222 0"}) {
             const QString esperado = caso.section('=', 1);
             QCOMPARE(pulsa(v, QKeySequence(caso.section('=', 0, 0))[0]),
                      (QStringList{"Form_KeyDown " + esperado, "txtFields_KeyDown 3 " + esperado}));
         }
         QCOMPARE(pulsa(v, Qt::Key_X), QStringList{"Form_KeyDown 88 0"});
-        QCOMPARE(v->campo(3)->text(), QStringLiteral("y"));
+        QCOMPARE(v->campo(3)->text(), QStringLiteral("y(!Ñ:'"));
+        pulsa(v, QKeyCombination(Qt::ShiftModifier, Qt::Key_ParenLeft));
+        QVERIFY(v->registro.contains("txtFields_KeyPress 3 40"));
+    }
+
+    // Change, GotFocus, LostFocus and DblClick reach each member with its index; activating
+    // another window moves no focus in this one's eyes.
+    void eventosPorMiembro()
+    {
+        auto v = abre();
+        QVERIFY(v);
+        v->registro.clear();
+        v->campo(0)->setFocus();
+        v->campo(0)->setText(QStringLiteral("a"));
+        QTest::mouseDClick(v->campo(3), Qt::LeftButton);
+        QVERIFY(abre());
+        QCOMPARE(v->registro, (QStringList{"LostFocus 3", "GotFocus 0", "Change 0", "LostFocus 0",
+                                           "GotFocus 3", "DblClick 3"}));
+    }
+
+    // A paste is typed character by character through KeyPress: refused and untypeable
+    // characters (control codes, undecodable bytes) are dropped, and it stops when the box
+    // is full.
+    void pegadoFiltrado()
+    {
+        auto v = abre();
+        QVERIFY(v);
+        QLineEdit *campo = v->campo(3);
+        campo->setMaxLength(4);
+        QGuiApplication::clipboard()->setText(QString::fromUtf8("a1\x01\tb\xff c d e"));
+        QTest::keyClick(v->windowHandle(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(campo->text(), QStringLiteral("ab c"));
+        QCOMPARE(v->registro.filter("KeyPress").size(), 5); // a 1 b blank c
     }
 
     void errorDeManejadorSeReportaConModuloYProcedimiento()
@@ -136,7 +178,7 @@ private Q_SLOTS:
             const bool cierra = consulta == 0 && descarga == 0;
             QCOMPARE(barra ? cierre.isAccepted() : v->descarga(), cierra);
             QStringList esperado{QStringLiteral("Form_QueryUnload %1").arg(barra ? 0 : 1)};
-            QCOMPARE(v->registro, consulta ? esperado : esperado << "Form_Unload");
+            QCOMPARE(v->registro.filter("Form_"), consulta ? esperado : esperado << "Form_Unload");
             QTRY_VERIFY(cierra ? v.isNull() : v->isVisible() && !v->descargada());
         }
     }

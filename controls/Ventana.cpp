@@ -21,6 +21,30 @@
 
 namespace zuvi {
 
+namespace {
+
+// A key that does nothing but type its character into a plain text box: no
+// Control, Alt or Meta, not an editing or function key, one printable
+// character, and a box that takes it as typed (writable, shown as typed, no
+// completion). Such a key is never one of the box's editing shortcuts. A
+// disabled box takes no keys at all.
+QLineEdit *cajaQueSoloEscribe(QObject *objeto, const QKeyEvent *tecla)
+{
+    auto *caja = qobject_cast<QLineEdit *>(objeto);
+    if (!caja || caja->metaObject() != &QLineEdit::staticMetaObject || !caja->isEnabled() ||
+        caja->isReadOnly() || caja->echoMode() != QLineEdit::Normal || caja->completer())
+        return nullptr;
+    const Qt::KeyboardModifiers m = tecla->modifiers();
+    if (m != Qt::NoModifier && m != Qt::ShiftModifier && m != Qt::KeypadModifier)
+        return nullptr;
+    const QString texto = tecla->text();
+    if (tecla->key() >= Qt::Key_Escape || texto.size() != 1 || !texto.at(0).isPrint())
+        return nullptr;
+    return caja;
+}
+
+} // namespace
+
 Ventana::Ventana(const QString &modulo, QWidget *parent) : QWidget(parent), m_modulo(modulo)
 {
     // A fresh instance per opening; closing it ends it.
@@ -301,6 +325,18 @@ bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
         if (hijo)
             vigila(hijo);
         return false;
+    }
+    case QEvent::ShortcutOverride: {
+        // Before a key press the box is asked whether it keeps the key from
+        // the shortcuts; it keeps every key that only types, and answering
+        // for it here spares it looking the key up among all its editing
+        // keys on every keystroke.
+        auto *control = qobject_cast<QWidget *>(objeto);
+        if (!control || !m_enlaces.contains(objeto) || !esDestinoDeTeclas(control) ||
+            !cajaQueSoloEscribe(objeto, static_cast<QKeyEvent *>(evento)))
+            return false;
+        evento->accept();
+        return true;
     }
     case QEvent::KeyPress:
     case QEvent::KeyRelease: {

@@ -398,13 +398,30 @@ bool Ventana::teclaAbajo(QWidget *control, QKeyEvent *evento)
             QKeyEvent cambiada(QEvent::KeyPress, teclas::teclaQtDeCaracter(caracter),
                                evento->modifiers() & ~Qt::ShiftModifier,
                                QString(QChar(ushort(caracter))));
-            m_reenviando = true;
-            QCoreApplication::sendEvent(destino, &cambiada);
-            m_reenviando = false;
+            if (!escribe(destino, &cambiada)) {
+                m_reenviando = true;
+                QCoreApplication::sendEvent(destino, &cambiada);
+                m_reenviando = false;
+            }
             return true;
         }
+        return escribe(destino, evento);
     }
     return false;
+}
+
+bool Ventana::escribe(QWidget *control, QKeyEvent *evento)
+{
+    // What the box itself does with such a key, after trying it against
+    // every editing shortcut of the platform: insert the character in place
+    // of the selection. Its cursor starts blinking again on the key's
+    // release.
+    QLineEdit *caja = cajaQueSoloEscribe(control, evento);
+    if (!caja || !m_enlaces.contains(control))
+        return false;
+    caja->insert(evento->text());
+    evento->accept();
+    return true;
 }
 
 bool Ventana::teclaArriba(QWidget *control, QKeyEvent *evento)

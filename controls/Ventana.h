@@ -142,6 +142,9 @@ private:
     bool esDestinoDeTeclas(QWidget *control) const;
     bool teclaAbajo(QWidget *control, QKeyEvent *evento);
     bool teclaArriba(QWidget *control, QKeyEvent *evento);
+    // A key that only types a character into a plain text box of this
+    // window, typed there; false for any other key or control.
+    bool escribe(QWidget *control, QKeyEvent *evento);
     Enlace &enlaza(QWidget *control, const QString &nombre, int indice);
     bool eventoDeControl(QObject *objeto, QEvent *evento);
     void lanza(const Enlace &enlace, const char *evento, const std::function<void(int)> &manejador);

@@ -6,9 +6,11 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QIntValidator>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QShortcut>
 #include <QTest>
 
 using namespace zuvi;
@@ -93,8 +95,94 @@ class TstVentana : public QObject
             QRegularExpression(QStringLiteral("KeyDown.* (?!1[678] )\\d+ \\d+$")));
     }
 
+    // Types into a box of the active window and describes the box after it and after an
+    // undo: text, cursor, selection, edits signalled and a one-letter shortcut's firings.
+    static QStringList tecleaEn(QWidget *ventana, QLineEdit *caja, const QByteArray &teclas)
+    {
+        QFETCH(QString, inicial);
+        QFETCH(int, cursor);
+        QFETCH(QString, mascara);
+        QFETCH(int, largo);
+        QFETCH(bool, soloLectura);
+        QFETCH(bool, validador);
+        ventana->show();
+        ventana->activateWindow();
+        if (!QTest::qWaitForWindowActive(ventana))
+            return {QStringLiteral("la ventana no se activó")};
+        caja->setFocus();
+        caja->setInputMask(mascara);
+        caja->setMaxLength(largo);
+        caja->setText(inicial);
+        caja->setReadOnly(soloLectura);
+        if (validador)
+            caja->setValidator(new QIntValidator(0, 99, caja));
+        if (cursor < 0)
+            caja->selectAll();
+        else
+            caja->setCursorPosition(cursor);
+        int ediciones = 0, atajos = 0;
+        QObject::connect(caja, &QLineEdit::textEdited, caja, [&] { ++ediciones; });
+        QShortcut atajo(QKeySequence(QStringLiteral("Z")), ventana);
+        QObject::connect(&atajo, &QShortcut::activated, caja, [&] { ++atajos; });
+        const auto describe = [&] {
+            return QStringLiteral("%1|%2|%3|%4|%5")
+                .arg(caja->text())
+                .arg(caja->cursorPosition())
+                .arg(caja->selectedText())
+                .arg(ediciones)
+                .arg(atajos);
+        };
+        for (const char c : teclas)
+            QTest::keyClick(ventana->windowHandle(), c);
+        QStringList estados{describe()};
+        QTest::keyClick(ventana->windowHandle(), Qt::Key_Z, Qt::ControlModifier);
+        return estados << describe();
+    }
+
 private Q_SLOTS:
     void cleanup() { qDeleteAll(QApplication::topLevelWidgets()); }
+
+    // A box of the window takes a typed character as a box of no window does: in place of
+    // the selection, within its mask, validator and length, not at all when read-only (where
+    // a one-letter shortcut fires instead), and all of it undone at once.
+    void escribeComoUnaCajaSinVentana_data()
+    {
+        QTest::addColumn<QString>("inicial");
+        QTest::addColumn<int>("cursor"); // -1 selects everything
+        QTest::addColumn<QString>("mascara");
+        QTest::addColumn<int>("largo");
+        QTest::addColumn<bool>("soloLectura");
+        QTest::addColumn<bool>("validador");
+        QTest::addColumn<QByteArray>("teclas");
+        QTest::addColumn<QString>("esperado");
+        const int sinLimite = 32767;
+        QTest::newRow("en medio") << "az" << 1 << "" << sinLimite << false << false
+                                  << QByteArray("b-c .Z") << "ab-c .Zz";
+        QTest::newRow("sobre la selección")
+            << "abc" << -1 << "" << sinLimite << false << false << QByteArray("zy") << "zy";
+        QTest::newRow("largo máximo")
+            << "ab" << 2 << "" << 3 << false << false << QByteArray("cde") << "abc";
+        QTest::newRow("máscara") << "" << 0 << "999" << sinLimite << false << false
+                                 << QByteArray("2a3") << "23";
+        QTest::newRow("validador")
+            << "" << 0 << "" << sinLimite << false << true << QByteArray("2a34") << "23";
+        QTest::newRow("solo lectura")
+            << "ab" << 2 << "" << sinLimite << true << false << QByteArray("cz") << "ab";
+    }
+    void escribeComoUnaCajaSinVentana()
+    {
+        QFETCH(QByteArray, teclas);
+        QFETCH(QString, esperado);
+        QStringList sola;
+        {
+            QWidget ventana;
+            sola = tecleaEn(&ventana, new QLineEdit(&ventana), teclas);
+        }
+        QCOMPARE(sola.value(0).section('|', 0, 0), esperado);
+        auto v = abre();
+        QVERIFY(v);
+        QCOMPARE(tecleaEn(v, v->campo(3), teclas), sola);
+    }
 
     // With key preview a key reaches the window first, then the focused member with its index,
     // as key code and shift state (1 shift, 2 ctrl, 4 alt); the window may swallow it. Keys sent

@@ -82,11 +82,8 @@ void Rejilla::SetRow(int fila)
         throw fueraDeRango(fila, m_columna);
     Q_EMIT saleDeCelda();
     m_fila = fila;
-    if (fila >= m_fijas && m_columna < columnCount()) {
-        m_moviendo = true;
-        setCurrentCell(fila - m_fijas, m_columna);
-        m_moviendo = false;
-    }
+    if (fila >= m_fijas && m_columna < columnCount())
+        mueveActual(fila - m_fijas, m_columna);
     Q_EMIT cambiaCelda();
 }
 
@@ -96,12 +93,38 @@ void Rejilla::SetCol(int columna)
         throw fueraDeRango(m_fila, columna);
     Q_EMIT saleDeCelda();
     m_columna = columna;
-    if (m_fila >= m_fijas) {
-        m_moviendo = true;
-        setCurrentCell(m_fila - m_fijas, columna);
-        m_moviendo = false;
-    }
+    if (m_fila >= m_fijas)
+        mueveActual(m_fila - m_fijas, columna);
     Q_EMIT cambiaCelda();
+}
+
+void Rejilla::mueveActual(int fila, int columna)
+{
+    m_moviendo = true;
+    // Shown, the view catches up with the current cell once the events in
+    // hand are done, before it is painted: lines added one after another
+    // faster than the screen refreshes scroll it once, not once each.
+    const bool sigue = hasAutoScroll() && isVisible();
+    if (sigue)
+        setAutoScroll(false);
+    setCurrentCell(fila, columna);
+    if (sigue) {
+        setAutoScroll(true);
+        if (!m_desplazamientoPendiente) {
+            m_desplazamientoPendiente = true;
+            QMetaObject::invokeMethod(this, &Rejilla::muestraActual, Qt::QueuedConnection);
+        }
+    }
+    m_moviendo = false;
+}
+
+void Rejilla::muestraActual()
+{
+    if (!m_desplazamientoPendiente)
+        return;
+    m_desplazamientoPendiente = false;
+    if (currentIndex().isValid())
+        scrollTo(currentIndex());
 }
 
 void Rejilla::exigeCelda(int fila, int columna) const
@@ -155,6 +178,8 @@ void Rejilla::SetColWidth(int columna, int twips)
 
 QRect Rejilla::rectanguloPropio() const
 {
+    // Where the current cell is on screen, after the view has caught up with it.
+    const_cast<Rejilla *>(this)->muestraActual();
     if (m_columna >= columnCount())
         return QRect();
     if (m_fila < m_fijas) {

@@ -74,12 +74,17 @@ Q_SIGNALS:
 
 private:
     void exigeCelda(int fila, int columna) const;
+    // A move of the current cell from code; the view follows it later.
+    void mueveActual(int fila, int columna);
+    // Scrolls the current cell into view when a move left it pending.
+    void muestraActual();
     QRect rectanguloPropio() const;
 
     int m_fijas = 1;
     int m_fila = 0;
     int m_columna = 0;
     bool m_moviendo = false;
+    bool m_desplazamientoPendiente = false;
 };
 
 } // namespace zuvi

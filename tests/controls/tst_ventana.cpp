@@ -1,3 +1,4 @@
+#include "controls/Rejilla.h"
 #include "controls/Teclas.h"
 #include "controls/Ventana.h"
 #include "runtime/Error.h"
@@ -10,7 +11,9 @@
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScrollBar>
 #include <QShortcut>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace zuvi;
@@ -233,6 +236,34 @@ private Q_SLOTS:
         QTest::keyClick(v->windowHandle(), Qt::Key_V, Qt::ControlModifier);
         QCOMPARE(campo->text(), QStringLiteral("ab c"));
         QCOMPARE(v->registro.filter("KeyPress").size(), 5); // a 1 b blank c
+    }
+
+    // The grid follows a current row set from code: many rows set in a row scroll it once, when
+    // the events in hand are done, and the current cell's place is read where it is shown even
+    // before then.
+    void rejillaSigueSuFilaActual()
+    {
+        QWidget marco;
+        auto *rejilla = new Rejilla(&marco);
+        rejilla->SetRows(101);
+        rejilla->SetCols(2);
+        rejilla->setGeometry(0, 0, 300, 200);
+        marco.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&marco));
+        QSignalSpy desplazamientos(rejilla->verticalScrollBar(), &QScrollBar::valueChanged);
+        for (int fila = 1; fila <= 80; ++fila)
+            rejilla->SetRow(fila);
+        QCoreApplication::processEvents();
+        QCOMPARE(desplazamientos.size(), 1);
+        const auto enVista = [&] {
+            const QRect lugar = rejilla->rectanguloCelda();
+            const QRect celda = rejilla->visualRect(rejilla->currentIndex());
+            return rejilla->viewport()->rect().contains(celda) &&
+                   lugar == celda.translated(rejilla->viewport()->mapTo(&marco, QPoint()));
+        };
+        QVERIFY(enVista());
+        rejilla->SetRow(3);
+        QVERIFY(enVista());
     }
 
     void errorDeManejadorSeReportaConModuloYProcedimiento()

@@ -154,7 +154,8 @@ private Q_SLOTS:
         fila("14 F8: nada", 14, Qt::Key_F8, no, 14);
         fila("0 F2", 0, Qt::Key_F2, no, 4,
              "BuscaCatalogo: Conceptos de Op al inventario | txtFields_0 |  | txtFields_4");
-        fila("4 F2", 4, Qt::Key_F2, no, 4, "BuscaCatalogo: Articulos | txtFields_4 |  | txtFields_4");
+        fila("4 F2", 4, Qt::Key_F2, no, 4,
+             "BuscaCatalogo: Articulos | txtFields_4 |  | txtFields_4");
         fila("14 F2", 14, Qt::Key_F2, no, 4,
              "BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_4");
         fila("14 F2, 4 apagado", 14, Qt::Key_F2, {4}, 14,
@@ -194,8 +195,9 @@ private Q_SLOTS:
         QTest::mouseDClick(f->txtFields(14), Qt::LeftButton);
         QTest::mouseDClick(f->txtFields(11), Qt::LeftButton);
         QTest::mouseDClick(f->txtFields(16), Qt::LeftButton);
-        QCOMPARE(consultas, (QStringList{"BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_14",
-                                         "CapturaNumerica: txtFields_16"}));
+        QCOMPARE(consultas,
+                 (QStringList{"BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_14",
+                              "CapturaNumerica: txtFields_16"}));
         QCOMPARE(f->txtFields(14)->text(), QStringLiteral("3"));
         ui->respuestas({false});
         pulsa(f, 16, Qt::Key_F5);
@@ -270,11 +272,21 @@ private Q_SLOTS:
         QTest::addColumn<QString>("tag");
         QTest::addColumn<QString>("tecleado");
         QTest::addColumn<QString>("queda");
-        QTest::newRow("U") << "U" << "abc(-" << "ABC(-";
-        QTest::newRow("N") << "N" << "-1a2.3.4" << "-12.34";
-        QTest::newRow("SN") << "SN" << "12.5x" << "125";
-        QTest::newRow("D") << "D" << "17/05/2024x" << "17/05/2024";
-        QTest::newRow("u minúscula: sin filtro") << "u" << "ab1" << "ab1";
+        QTest::newRow("U") << "U"
+                           << "abc(-"
+                           << "ABC(-";
+        QTest::newRow("N") << "N"
+                           << "-1a2.3.4"
+                           << "-12.34";
+        QTest::newRow("SN") << "SN"
+                            << "12.5x"
+                            << "125";
+        QTest::newRow("D") << "D"
+                           << "17/05/2024x"
+                           << "17/05/2024";
+        QTest::newRow("u minúscula: sin filtro") << "u"
+                                                 << "ab1"
+                                                 << "ab1";
     }
     void filtrosPorEtiqueta()
     {
@@ -306,16 +318,20 @@ private Q_SLOTS:
                                          << "txtFields_4";
         QTest::newRow("14 pegado corto") << 14 << QByteArray("12") << "12"
                                          << "txtFields_14";
-        QTest::newRow("4 pegado de 10 kB") << 4 << QByteArray(10240, 'a') << QString(30, 'A')
-                                           << "txtFields_5";
+        QTest::newRow("4 pegado de 10 kB")
+            << 4 << QByteArray(10240, 'a') << QString(30, 'A') << "txtFields_5";
         QTest::newRow("5 con letras") << 5 << QByteArray("1a2.5b") << "12.5"
                                       << "txtFields_5";
-        QTest::newRow("1 caracteres de control")
-            << 1 << QByteArray("A\tB\x01" "C\r\nD\x7f") << "ABCD"
-            << "txtFields_1";
-        QTest::newRow("1 bytes que no son UTF-8")
-            << 1 << QByteArray("\xff\xfe" "AB\xc3") << "AB"
-            << "txtFields_1";
+        QTest::newRow("1 caracteres de control") << 1
+                                                 << QByteArray("A\tB\x01"
+                                                               "C\r\nD\x7f")
+                                                 << "ABCD"
+                                                 << "txtFields_1";
+        QTest::newRow("1 bytes que no son UTF-8") << 1
+                                                  << QByteArray("\xff\xfe"
+                                                                "AB\xc3")
+                                                  << "AB"
+                                                  << "txtFields_1";
     }
     void llenoYPegado()
     {

@@ -7,7 +7,7 @@
 //
 // Usage: bench_editor [runs=50] [folder for the database file]
 
-#include "bench/Silencio.h"
+#include "bench/Comun.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
 #include "host/Anfitrion.h"
@@ -139,13 +139,6 @@ private:
     sqlite3 *m_db = nullptr;
 };
 
-double mediana(std::vector<double> v)
-{
-    std::sort(v.begin(), v.end());
-    const size_t m = v.size() / 2;
-    return v.size() % 2 ? v[m] : (v[m - 1] + v[m]) / 2;
-}
-
 } // namespace
 
 int main(int argc, char **argv)
@@ -157,14 +150,10 @@ int main(int argc, char **argv)
     QTemporaryDir temporal;
     const QString carpeta = argc > 2 ? QString::fromLocal8Bit(argv[2]) : temporal.path();
     try {
-        auto silencio = std::make_shared<bench::Silencio>(true);
-        anfitrion::ponInteraccion(silencio);
-        anfitrion::registraClasesAnfitrion();
-        const QString ruta = QDir(carpeta).filePath(QStringLiteral("editor.db"));
-        QFile::remove(ruta);
-        anfitrion::Opciones o;
-        o.base = ruta;
-        std::unique_ptr<anfitrion::Sesion> s = anfitrion::Sesion::abre(o, false);
+        bench::Banco banco = bench::abreBanco(carpeta, QStringLiteral("editor.db"));
+        const auto &silencio = banco.silencio;
+        const QString &ruta = banco.ruta;
+        const auto &s = banco.sesion;
         creaOrden(s->conexion());
         modulo::reinicia();
         Produccion p;
@@ -188,7 +177,7 @@ int main(int argc, char **argv)
         }
         if (silencio->errores)
             throw Error(QStringLiteral("El editor reportó %1 errores").arg(silencio->errores));
-        const double me = mediana(editor), mb = mediana(base);
+        const double me = bench::mediana(editor), mb = bench::mediana(base);
         std::printf("editor (componente y anfitrión): mediana %.3f ms en %d corridas\n", me,
                     corridas);
         std::printf("base (API C de SQLite y QTableWidget): mediana %.3f ms\n", mb);

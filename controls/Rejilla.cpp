@@ -25,8 +25,12 @@ Rejilla::Rejilla(QWidget *parent) : QTableWidget(parent)
     connect(this, &QTableWidget::currentCellChanged, this, [this](int fila, int columna) {
         if (m_moviendo || fila < 0 || columna < 0)
             return;
+        if (fila + m_fijas == m_fila && columna == m_columna)
+            return;
+        Q_EMIT saleDeCelda();
         m_fila = fila + m_fijas;
         m_columna = columna;
+        Q_EMIT cambiaCelda();
     });
 }
 
@@ -76,24 +80,51 @@ void Rejilla::SetRow(int fila)
 {
     if (fila < 0 || fila >= Rows())
         throw fueraDeRango(fila, m_columna);
+    Q_EMIT saleDeCelda();
     m_fila = fila;
-    if (fila >= m_fijas && m_columna < columnCount()) {
-        m_moviendo = true;
-        setCurrentCell(fila - m_fijas, m_columna);
-        m_moviendo = false;
-    }
+    if (fila >= m_fijas && m_columna < columnCount())
+        mueveActual(fila - m_fijas, m_columna);
+    Q_EMIT cambiaCelda();
 }
 
 void Rejilla::SetCol(int columna)
 {
     if (columna < 0 || columna >= columnCount())
         throw fueraDeRango(m_fila, columna);
+    Q_EMIT saleDeCelda();
     m_columna = columna;
-    if (m_fila >= m_fijas) {
-        m_moviendo = true;
-        setCurrentCell(m_fila - m_fijas, columna);
-        m_moviendo = false;
+    if (m_fila >= m_fijas)
+        mueveActual(m_fila - m_fijas, columna);
+    Q_EMIT cambiaCelda();
+}
+
+void Rejilla::mueveActual(int fila, int columna)
+{
+    m_moviendo = true;
+    // Shown, the view catches up with the current cell once the events in
+    // hand are done, before it is painted: lines added one after another
+    // faster than the screen refreshes scroll it once, not once each.
+    const bool sigue = hasAutoScroll() && isVisible();
+    if (sigue)
+        setAutoScroll(false);
+    setCurrentCell(fila, columna);
+    if (sigue) {
+        setAutoScroll(true);
+        if (!m_desplazamientoPendiente) {
+            m_desplazamientoPendiente = true;
+            QMetaObject::invokeMethod(this, &Rejilla::muestraActual, Qt::QueuedConnection);
+        }
     }
+    m_moviendo = false;
+}
+
+void Rejilla::muestraActual()
+{
+    if (!m_desplazamientoPendiente)
+        return;
+    m_desplazamientoPendiente = false;
+    if (currentIndex().isValid())
+        scrollTo(currentIndex());
 }
 
 void Rejilla::exigeCelda(int fila, int columna) const
@@ -147,6 +178,8 @@ void Rejilla::SetColWidth(int columna, int twips)
 
 QRect Rejilla::rectanguloPropio() const
 {
+    // Where the current cell is on screen, after the view has caught up with it.
+    const_cast<Rejilla *>(this)->muestraActual();
     if (m_columna >= columnCount())
         return QRect();
     if (m_fila < m_fijas) {
@@ -191,6 +224,46 @@ void Rejilla::RemoveItem(int fila)
     removeRow(fila - m_fijas);
     if (m_fila >= Rows())
         m_fila = Rows() - 1;
+}
+
+namespace {
+constexpr Qt::Alignment kHorizontal[] = {Qt::AlignLeft, Qt::AlignHCenter, Qt::AlignRight};
+constexpr Qt::Alignment kVertical[] = {Qt::AlignVCenter, Qt::AlignTop, Qt::AlignBottom};
+} // namespace
+
+int Rejilla::CellAlignment() const
+{
+    exigeCelda(m_fila, m_columna);
+    const QTableWidgetItem *celda =
+        m_fila < m_fijas ? horizontalHeaderItem(m_columna) : item(m_fila - m_fijas, m_columna);
+    const Qt::Alignment a =
+        celda ? Qt::Alignment(celda->textAlignment()) : Qt::AlignLeft | Qt::AlignVCenter;
+    int h = 0, v = 0;
+    for (int i = 0; i < 3; ++i) {
+        if (a & kHorizontal[i])
+            h = i;
+        if (a & kVertical[i])
+            v = i;
+    }
+    return h * 3 + v;
+}
+
+void Rejilla::SetCellAlignment(int alineacion)
+{
+    exigeCelda(m_fila, m_columna);
+    if (alineacion < 0 || alineacion > 8)
+        throw Error(QStringLiteral("Invalid property value: CellAlignment %1").arg(alineacion),
+                    380);
+    const Qt::Alignment a = kHorizontal[alineacion / 3] | kVertical[alineacion % 3];
+    if (m_fila < m_fijas) {
+        if (QTableWidgetItem *celda = horizontalHeaderItem(m_columna))
+            celda->setTextAlignment(a);
+        return;
+    }
+    QTableWidgetItem *celda = item(m_fila - m_fijas, m_columna);
+    if (!celda)
+        setItem(m_fila - m_fijas, m_columna, celda = new QTableWidgetItem);
+    celda->setTextAlignment(a);
 }
 
 } // namespace zuvi

@@ -59,14 +59,32 @@ public:
     // Takes a line row out; the grid has one row fewer.
     void RemoveItem(int fila);
 
+    // Alignment of the current cell's text: 0-2 left, 3-5 centred, 6-8
+    // right; within each, vertically centred, top, bottom (3 is centred both
+    // ways).
+    int CellAlignment() const;
+    void SetCellAlignment(int alineacion);
+
+Q_SIGNALS:
+    // The current cell is about to change: Row() and Col() are still the cell
+    // being left. Then the change has happened. Both for the user's moves and
+    // for SetRow/SetCol.
+    void saleDeCelda();
+    void cambiaCelda();
+
 private:
     void exigeCelda(int fila, int columna) const;
+    // A move of the current cell from code; the view follows it later.
+    void mueveActual(int fila, int columna);
+    // Scrolls the current cell into view when a move left it pending.
+    void muestraActual();
     QRect rectanguloPropio() const;
 
     int m_fijas = 1;
     int m_fila = 0;
     int m_columna = 0;
     bool m_moviendo = false;
+    bool m_desplazamientoPendiente = false;
 };
 
 } // namespace zuvi

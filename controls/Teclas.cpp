@@ -4,6 +4,71 @@
 
 namespace zuvi::teclas {
 
+namespace {
+
+// Keys that type a symbol arrive as the symbol; the handlers get the code of
+// the key that produces it: the digit row for its shifted symbols, the
+// punctuation keys of the US and Spanish layouts for theirs. Any other
+// character key (a letter with an accent) gets its upper-case Latin-1 code,
+// so that no key that types something is lost on the way to KeyDown.
+qint16 teclaDeSimbolo(int k)
+{
+    struct Simbolo
+    {
+        int tecla;
+        qint16 codigo;
+    };
+    static constexpr Simbolo kSimbolos[] = {
+        {Qt::Key_ParenRight, '0'},
+        {Qt::Key_Exclam, '1'},
+        {Qt::Key_At, '2'},
+        {Qt::Key_NumberSign, '3'},
+        {Qt::Key_Dollar, '4'},
+        {Qt::Key_Percent, '5'},
+        {Qt::Key_AsciiCircum, '6'},
+        {Qt::Key_Ampersand, '7'},
+        {Qt::Key_ParenLeft, '9'},
+        {Qt::Key_Semicolon, 186},
+        {Qt::Key_Colon, 186},
+        {Qt::Key_Equal, 187},
+        {Qt::Key_Comma, 188},
+        {Qt::Key_Less, 188},
+        {Qt::Key_Underscore, 189},
+        {Qt::Key_Greater, 190},
+        {Qt::Key_Question, 191},
+        {Qt::Key_Ccedilla, 191},
+        {Qt::Key_QuoteLeft, 192},
+        {Qt::Key_AsciiTilde, 192},
+        {Qt::Key_Ntilde, 192},
+        {Qt::Key_BracketLeft, 219},
+        {Qt::Key_BraceLeft, 219},
+        {Qt::Key_Apostrophe, 222},
+        {Qt::Key_Backslash, 220},
+        {Qt::Key_Bar, 220},
+        {Qt::Key_masculine, 220},
+        {Qt::Key_ordfeminine, 220},
+        {Qt::Key_BracketRight, 221},
+        {Qt::Key_BraceRight, 221},
+        {Qt::Key_exclamdown, 221},
+        {Qt::Key_questiondown, 221},
+        {Qt::Key_QuoteDbl, 222},
+        {Qt::Key_Dead_Acute, 222},
+        {Qt::Key_Dead_Diaeresis, 222},
+        {Qt::Key_Dead_Grave, 186},
+        {Qt::Key_Dead_Circumflex, 186},
+        {Qt::Key_acute, 222},
+        {Qt::Key_diaeresis, 222},
+    };
+    for (const Simbolo &s : kSimbolos)
+        if (s.tecla == k)
+            return s.codigo;
+    if (k >= 0xA0 && k <= 0xFF)
+        return qint16(k); // Qt's Latin-1 keys are their upper-case codes
+    return 0;
+}
+
+} // namespace
+
 qint16 codigoTecla(int k, Qt::KeyboardModifiers modificadores)
 {
     const bool teclado = modificadores.testFlag(Qt::KeypadModifier);
@@ -59,23 +124,17 @@ qint16 codigoTecla(int k, Qt::KeyboardModifiers modificadores)
     case Qt::Key_Delete:
         return Suprimir;
     case Qt::Key_Asterisk:
-        return teclado ? NumPor : 0;
+        return teclado ? NumPor : qint16('8');
     case Qt::Key_Plus:
-        return teclado ? NumMas : 0;
+        return teclado ? NumMas : qint16(187);
     case Qt::Key_Minus:
         return teclado ? NumMenos : 189;
     case Qt::Key_Period:
         return teclado ? NumPunto : 190;
     case Qt::Key_Slash:
         return teclado ? NumEntre : 191;
-    case Qt::Key_Comma:
-        return 188;
-    case Qt::Key_Semicolon:
-        return 186;
-    case Qt::Key_Equal:
-        return 187;
     default:
-        return 0;
+        return teclaDeSimbolo(k);
     }
 }
 

@@ -43,7 +43,9 @@ inline constexpr qint16 F1 = 112; // F1..F12 are 112..123
 inline constexpr qint16 F2 = 113;
 inline constexpr qint16 F3 = 114;
 inline constexpr qint16 F5 = 116;
+inline constexpr qint16 F6 = 117;
 inline constexpr qint16 F8 = 119;
+inline constexpr qint16 F9 = 120;
 inline constexpr qint16 F12 = 123;
 
 // Shift state bits.
@@ -52,7 +54,10 @@ inline constexpr qint16 CtrlMask = 2;
 inline constexpr qint16 AltMask = 4;
 
 // The key code of a key event: letters as upper-case ASCII, digits 48-57,
-// keypad digits 96-105, F1-F12 112-123 and so on; 0 when the key has none.
+// keypad digits 96-105, F1-F12 112-123 and so on. A key that types a symbol
+// has the code of the physical key: Shift+9 "(" is 57, "ñ" is 192, ";" 186.
+// 0 only for keys that have no code at all (a bare dead key of no known
+// layout, media keys).
 ZUVI_CONTROLES_EXPORT qint16 codigoTecla(const QKeyEvent *evento);
 ZUVI_CONTROLES_EXPORT qint16 codigoTecla(int teclaQt, Qt::KeyboardModifiers modificadores);
 

@@ -1,15 +1,49 @@
 #include "controls/Ventana.h"
 
+#include "controls/MultiCombo.h"
 #include "controls/Teclas.h"
 
+#include <QAbstractScrollArea>
+#include <QAction>
+#include <QApplication>
 #include <QChildEvent>
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QComboBox>
+#include <QContextMenuEvent>
 #include <QCoreApplication>
 #include <QEventLoop>
 #include <QKeyEvent>
+#include <QLineEdit>
+#include <QMenu>
 #include <QPaintEvent>
+#include <QTextEdit>
 
 namespace zuvi {
+
+namespace {
+
+// A key that does nothing but type its character into a plain text box: no
+// Control, Alt or Meta, not an editing or function key, one printable
+// character, and a box that takes it as typed (writable, shown as typed, no
+// completion). Such a key is never one of the box's editing shortcuts. A
+// disabled box takes no keys at all.
+QLineEdit *cajaQueSoloEscribe(QObject *objeto, const QKeyEvent *tecla)
+{
+    auto *caja = qobject_cast<QLineEdit *>(objeto);
+    if (!caja || caja->metaObject() != &QLineEdit::staticMetaObject || !caja->isEnabled() ||
+        caja->isReadOnly() || caja->echoMode() != QLineEdit::Normal || caja->completer())
+        return nullptr;
+    const Qt::KeyboardModifiers m = tecla->modifiers();
+    if (m != Qt::NoModifier && m != Qt::ShiftModifier && m != Qt::KeypadModifier)
+        return nullptr;
+    const QString texto = tecla->text();
+    if (tecla->key() >= Qt::Key_Escape || texto.size() != 1 || !texto.at(0).isPrint())
+        return nullptr;
+    return caja;
+}
+
+} // namespace
 
 Ventana::Ventana(const QString &modulo, QWidget *parent) : QWidget(parent), m_modulo(modulo)
 {
@@ -24,7 +58,7 @@ Ventana::~Ventana()
     // The controls outlive this part of the window by a moment: they must
     // not report their end to a table that is already gone.
     for (auto it = m_enlaces.cbegin(); it != m_enlaces.cend(); ++it)
-        disconnect(it.key(), &QObject::destroyed, this, nullptr);
+        disconnect(it.key(), nullptr, this, nullptr);
 }
 
 void Ventana::muestra(bool modal)
@@ -97,10 +131,84 @@ void Ventana::conectaTeclas(QWidget *control, const QString &nombre, Teclas mane
 {
     if (!control)
         return;
-    m_enlaces.insert(control, Enlace{nombre, indice, std::move(manejadores)});
-    connect(control, &QObject::destroyed, this,
-            [this](QObject *objeto) { m_enlaces.remove(objeto); });
-    vigila(control);
+    enlaza(control, nombre, indice).manejadores = std::move(manejadores);
+    if (auto *caja = qobject_cast<QLineEdit *>(control))
+        caja->setAcceptDrops(false); // a drop would skip KeyPress; pasting does not
+}
+
+Ventana::Enlace &Ventana::enlaza(QWidget *control, const QString &nombre, int indice)
+{
+    if (!m_enlaces.contains(control)) {
+        connect(control, &QObject::destroyed, this,
+                [this](QObject *objeto) { m_enlaces.remove(objeto); });
+        vigila(control);
+    }
+    Enlace &enlace = m_enlaces[control];
+    enlace.nombre = nombre;
+    enlace.indice = indice;
+    return enlace;
+}
+
+void Ventana::conectaEventos(const QString &nombre, Eventos manejadores)
+{
+    const auto miembros = arreglo<QWidget>(nombre);
+    for (int indice : miembros.indices())
+        conectaEventos(miembros(indice), nombre, manejadores, indice);
+}
+
+void Ventana::conectaEventos(QWidget *control, const QString &nombre, Eventos manejadores,
+                             int indice)
+{
+    if (!control)
+        return;
+    Enlace &enlace = enlaza(control, nombre, indice);
+    const bool conCambio = manejadores.Change && !enlace.eventos.Change;
+    enlace.eventos = std::move(manejadores);
+    if (!conCambio)
+        return;
+    const auto cambio = [this, control] {
+        const auto it = m_enlaces.constFind(control);
+        if (it != m_enlaces.cend() && !m_descargada)
+            lanza(*it, "_Change", it->eventos.Change);
+    };
+    if (auto *caja = qobject_cast<QLineEdit *>(control))
+        connect(caja, &QLineEdit::textChanged, this, cambio);
+    else if (auto *texto = qobject_cast<QTextEdit *>(control))
+        connect(texto, &QTextEdit::textChanged, this, cambio);
+    else if (auto *combo = qobject_cast<QComboBox *>(control))
+        connect(combo, &QComboBox::currentTextChanged, this, cambio);
+}
+
+void Ventana::lanza(const Enlace &enlace, const char *evento,
+                    const std::function<void(int)> &manejador)
+{
+    if (!manejador)
+        return;
+    const int indice = enlace.indice;
+    const auto copia = manejador; // the handler may rebind or destroy the control
+    atrapa(enlace.nombre + QLatin1String(evento), [&] { copia(indice); });
+}
+
+void Ventana::pegaFiltrado(QLineEdit *caja)
+{
+    QPointer<QLineEdit> destino(caja);
+    const QString texto = QGuiApplication::clipboard()->text();
+    const Enlace enlace = m_enlaces.value(caja);
+    for (const QChar c : texto) {
+        if (!destino || destino->isReadOnly() || !destino->isEnabled() ||
+            destino->text().size() >= destino->maxLength() || focusWidget() != destino)
+            return;
+        // Undecodable bytes arrive as the replacement character; halves of a
+        // pair and the other non-printing code points cannot be typed either.
+        if (!c.isPrint() || c == QChar::ReplacementCharacter)
+            continue;
+        qint16 caracter = qint16(c.unicode());
+        if (enlace.manejadores.KeyPress)
+            atrapa(enlace.nombre + QStringLiteral("_KeyPress"),
+                   [&] { enlace.manejadores.KeyPress(enlace.indice, caracter); });
+        if (caracter != 0 && destino)
+            destino->insert(QString(QChar(ushort(caracter))));
+    }
 }
 
 void Ventana::closeEvent(QCloseEvent *evento)
@@ -159,14 +267,76 @@ bool Ventana::esDestinoDeTeclas(QWidget *control) const
     return control == foco;
 }
 
+bool Ventana::eventoDeControl(QObject *objeto, QEvent *evento)
+{
+    auto it = m_enlaces.constFind(objeto);
+    if (it == m_enlaces.cend() && evento->type() == QEvent::MouseButtonDblClick) {
+        // A double-click on a list or grid lands on its viewport.
+        auto *area = qobject_cast<QAbstractScrollArea *>(objeto->parent());
+        if (area && area->viewport() == objeto)
+            it = m_enlaces.constFind(area);
+    }
+    if (it == m_enlaces.cend() || m_descargada)
+        return false;
+    const Enlace enlace = *it;
+    switch (evento->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut: {
+        const Qt::FocusReason razon = static_cast<QFocusEvent *>(evento)->reason();
+        if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
+            return false;
+        if (evento->type() == QEvent::FocusIn)
+            lanza(enlace, "_GotFocus", enlace.eventos.GotFocus);
+        else
+            lanza(enlace, "_LostFocus", enlace.eventos.LostFocus);
+        return false;
+    }
+    case QEvent::MouseButtonDblClick:
+        lanza(enlace, "_DblClick", enlace.eventos.DblClick);
+        return false;
+    case QEvent::ContextMenu: {
+        auto *caja = qobject_cast<QLineEdit *>(objeto);
+        if (!caja || !enlace.manejadores.KeyPress)
+            return false;
+        // The box's own menu, with its Paste going through the key filter.
+        const std::unique_ptr<QMenu> menu(caja->createStandardContextMenu());
+        if (auto *pegar = menu->findChild<QAction *>(QStringLiteral("edit-paste"))) {
+            disconnect(pegar, &QAction::triggered, nullptr, nullptr);
+            connect(pegar, &QAction::triggered, this, [this, caja] { pegaFiltrado(caja); });
+        }
+        menu->exec(static_cast<QContextMenuEvent *>(evento)->globalPos());
+        return true;
+    }
+    default:
+        return false;
+    }
+}
+
 bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
 {
     switch (evento->type()) {
+    case QEvent::FocusIn:
+    case QEvent::FocusOut:
+    case QEvent::MouseButtonDblClick:
+    case QEvent::ContextMenu:
+        return eventoDeControl(objeto, evento);
     case QEvent::ChildAdded: {
         auto *hijo = qobject_cast<QWidget *>(static_cast<QChildEvent *>(evento)->child());
         if (hijo)
             vigila(hijo);
         return false;
+    }
+    case QEvent::ShortcutOverride: {
+        // Before a key press the box is asked whether it keeps the key from
+        // the shortcuts; it keeps every key that only types, and answering
+        // for it here spares it looking the key up among all its editing
+        // keys on every keystroke.
+        auto *control = qobject_cast<QWidget *>(objeto);
+        if (!control || !m_enlaces.contains(objeto) || !esDestinoDeTeclas(control) ||
+            !cajaQueSoloEscribe(objeto, static_cast<QKeyEvent *>(evento)))
+            return false;
+        evento->accept();
+        return true;
     }
     case QEvent::KeyPress:
     case QEvent::KeyRelease: {
@@ -174,6 +344,10 @@ bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
         if (m_reenviando || !control || !esDestinoDeTeclas(control))
             return false;
         auto *tecla = static_cast<QKeyEvent *>(evento);
+        // A drop-down list open under a box moves with the keys first.
+        if (auto *combo = qobject_cast<MultiCombo *>(control->parentWidget());
+            combo && combo->caja() == control && combo->teclaDeLista(tecla))
+            return true;
         return evento->type() == QEvent::KeyPress ? teclaAbajo(control, tecla)
                                                   : teclaArriba(control, tecla);
     }
@@ -201,6 +375,14 @@ bool Ventana::teclaAbajo(QWidget *control, QKeyEvent *evento)
             return true;
     }
 
+    // Looking up the paste keys is dear: only V and Insert can be one.
+    const bool puedePegar = evento->key() == Qt::Key_V || evento->key() == Qt::Key_Insert;
+    if (auto *caja = qobject_cast<QLineEdit *>(control);
+        caja && puedePegar && enlace.manejadores.KeyPress && evento->matches(QKeySequence::Paste)) {
+        pegaFiltrado(caja);
+        return true;
+    }
+
     const qint16 original = teclas::codigoCaracter(evento);
     qint16 caracter = original;
     if (caracter != 0) {
@@ -216,13 +398,30 @@ bool Ventana::teclaAbajo(QWidget *control, QKeyEvent *evento)
             QKeyEvent cambiada(QEvent::KeyPress, teclas::teclaQtDeCaracter(caracter),
                                evento->modifiers() & ~Qt::ShiftModifier,
                                QString(QChar(ushort(caracter))));
-            m_reenviando = true;
-            QCoreApplication::sendEvent(destino, &cambiada);
-            m_reenviando = false;
+            if (!escribe(destino, &cambiada)) {
+                m_reenviando = true;
+                QCoreApplication::sendEvent(destino, &cambiada);
+                m_reenviando = false;
+            }
             return true;
         }
+        return escribe(destino, evento);
     }
     return false;
+}
+
+bool Ventana::escribe(QWidget *control, QKeyEvent *evento)
+{
+    // What the box itself does with such a key, after trying it against
+    // every editing shortcut of the platform: insert the character in place
+    // of the selection. Its cursor starts blinking again on the key's
+    // release.
+    QLineEdit *caja = cajaQueSoloEscribe(control, evento);
+    if (!caja || !m_enlaces.contains(control))
+        return false;
+    caja->insert(evento->text());
+    evento->accept();
+    return true;
 }
 
 bool Ventana::teclaArriba(QWidget *control, QKeyEvent *evento)

@@ -19,6 +19,7 @@
 #include <functional>
 
 class QKeyEvent;
+class QLineEdit;
 
 namespace zuvi {
 
@@ -77,6 +78,29 @@ public:
     void conectaTeclas(QWidget *control, const QString &nombre, Teclas manejadores,
                        int indice = -1);
 
+    // The other events of a control: Change (its text changed, by the user or
+    // by code), GotFocus and LostFocus (not when the whole window is
+    // activated or deactivated), DblClick. Procedures named "<arreglo>_Change"
+    // and so on, with the member's index.
+    struct Eventos
+    {
+        std::function<void(int Index)> Change;
+        std::function<void(int Index)> GotFocus;
+        std::function<void(int Index)> LostFocus;
+        std::function<void(int Index)> DblClick;
+    };
+    void conectaEventos(const QString &arreglo, Eventos manejadores);
+    void conectaEventos(QWidget *control, const QString &nombre, Eventos manejadores,
+                        int indice = -1);
+
+    // Pastes the clipboard into a text box as if its characters were typed:
+    // each goes through the box's KeyPress (which may change or refuse it),
+    // characters that cannot be typed (control, format, unassigned code
+    // points, undecodable bytes) are dropped, and pasting stops when the box
+    // is full or a handler took the focus elsewhere. Ctrl+V, Shift+Insert and
+    // the box's context menu paste this way in every box with a KeyPress.
+    void pegaFiltrado(QLineEdit *caja);
+
     template <typename T> ArregloControles<T> arreglo(const QString &nombre) const
     {
         return ArregloControles<T>(this, nombre);
@@ -111,12 +135,19 @@ private:
         QString nombre;
         int indice = -1;
         Teclas manejadores;
+        Eventos eventos;
     };
 
     void vigila(QWidget *control);
     bool esDestinoDeTeclas(QWidget *control) const;
     bool teclaAbajo(QWidget *control, QKeyEvent *evento);
     bool teclaArriba(QWidget *control, QKeyEvent *evento);
+    // A key that only types a character into a plain text box of this
+    // window, typed there; false for any other key or control.
+    bool escribe(QWidget *control, QKeyEvent *evento);
+    Enlace &enlaza(QWidget *control, const QString &nombre, int indice);
+    bool eventoDeControl(QObject *objeto, QEvent *evento);
+    void lanza(const Enlace &enlace, const char *evento, const std::function<void(int)> &manejador);
 
     QString m_modulo;
     QHash<QObject *, Enlace> m_enlaces;

@@ -75,6 +75,17 @@ QString vendedor(const QString &vend)
     return entreComillas(QStringLiteral("SELECT * FROM vends WHERE vend = '"), vend);
 }
 
+QString listaArticulos()
+{
+    return QStringLiteral("SELECT articulo, descrip, unidad FROM prods ORDER BY articulo");
+}
+
+QString articuloDeClave(const QString &articulo)
+{
+    return entreComillas(QStringLiteral("SELECT articulo,descrip FROM prods WHERE articulo = '"),
+                         articulo);
+}
+
 QString condicionOp(qint32 numero)
 {
     return QStringLiteral("op = ") + n(numero);

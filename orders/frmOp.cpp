@@ -2,6 +2,7 @@
 #include "ui_frmOp.h"
 
 #include "component/Modulo.h"
+#include "controls/MultiCombo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
 #include "orders/SentenciasOp.h"
@@ -56,15 +57,12 @@ frmOp::frmOp(QWidget *parent)
     txtEdit = ui->txtEdit;
     txtEdit->hide();
 
-    conectaTeclas(QStringLiteral("txtFields"), {[this](int Index, qint16 &KeyCode, qint16 Shift) {
-                                                    txtFields_KeyDown(Index, KeyCode, Shift);
-                                                },
-                                                {},
-                                                {}});
-    conectaTeclas(
-        fg2, QStringLiteral("fg2"),
-        {[this](int, qint16 &KeyCode, qint16 Shift) { fg2_KeyDown(KeyCode, Shift); }, {}, {}});
-    txtFields(4)->installEventFilter(this);
+    MultiCombo1 = ui->MultiCombo1;
+    MultiCombo1->PonCaja(txtFields(4));
+    KeyPreview = true; // F3, F6 and F9 work wherever the focus is
+
+    conectaCampos();
+    conectaRejilla();
     for (int i : Label10.indices())
         Label10(i)->installEventFilter(this);
 
@@ -177,7 +175,14 @@ void frmOp::Form_Load()
     }
     Command2->setEnabled(true);
 
-    // 8. The data-bound combos join with the next part of the editor; none yet.
+    // 8. The article list under field 4 reads the order's connection.
+    MultiCombo1->PonConexion(amb->Conexion());
+    MultiCombo1->PonConsulta([](const QString &sql, const QSqlDatabase &conexion) {
+        return modulo::accesoDatos()->Consulta(sql, conexion);
+    });
+    MultiCombo1->PonOrigen(
+        sentenciasOp::listaArticulos(),
+        {QStringLiteral("Artículo"), QStringLiteral("Descripción"), QStringLiteral("Unidad")});
     // 9.
     paso([&] {
         RecordsetPtr parametros = amb->ParametrosEstacion();
@@ -272,10 +277,8 @@ void frmOp::Label10_Click(int Index)
 
 bool frmOp::eventFilter(QObject *objeto, QEvent *evento)
 {
-    if (evento->type() == QEvent::FocusOut && txtFields.existe(4) && objeto == txtFields(4)) {
-        atrapa(QStringLiteral("txtFields_LostFocus"), [this] { txtFields_LostFocus(4); });
-    } else if (evento->type() == QEvent::MouseButtonRelease &&
-               static_cast<QMouseEvent *>(evento)->button() == Qt::LeftButton) {
+    if (evento->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent *>(evento)->button() == Qt::LeftButton) {
         const int indice = Label10.indiceDe(objeto);
         if (indice >= 0)
             atrapa(QStringLiteral("Label10_Click"), [&] { Label10_Click(indice); });
@@ -310,89 +313,6 @@ void frmOp::mensaje(qint32 numero, qint32 estilo)
 bool frmOp::vacio(const QString &texto)
 {
     return fromVBool(modulo::accesoDatos()->EstaVacio(texto));
-}
-
-void frmOp::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
-{
-    if (KeyCode == teclas::F2)
-        enfoca(4);
-    if (KeyCode == teclas::F5) {
-        KeyCode = 0;
-        // As the button: a finished or view-only order is not finished again.
-        if (Command5->isEnabled())
-            atrapa(QStringLiteral("Command5_Click"), [this] { Command5_Click(); });
-        return;
-    }
-    if (KeyCode == teclas::F1 + 8) { // F9: add the typed line
-        KeyCode = 0;
-        if (Command6->isEnabled())
-            atrapa(QStringLiteral("Command6_Click"), [this] { Command6_Click(); });
-        return;
-    }
-    if (KeyCode != teclas::Tabulador && KeyCode != teclas::Enter)
-        return;
-    if (Index < 0 || Index > 29 || Shift != 0)
-        return;
-    // The fields that move on by themselves keep the toolkit from moving the
-    // focus a second time.
-    const auto siguiente = [&](int destino) {
-        KeyCode = 0;
-        if (txtFields.existe(destino))
-            enfoca(destino);
-    };
-    switch (Index) {
-    case 0:
-        siguiente(14);
-        break;
-    case 4:
-        KeyCode = 0;
-        // Leaving the field fills the description; a window that is not the
-        // active one gets no focus events, so it is done here.
-        if (!isActiveWindow())
-            PonDescripcion();
-        if (txtFields(5)->isEnabled()) {
-            txtFields(5)->setFocus(Qt::OtherFocusReason);
-            txtFields(5)->selectAll();
-            if (Check4->isChecked())
-                LlenaPartida();
-        }
-        break;
-    case 5:
-        KeyCode = 0;
-        LlenaPartida();
-        break;
-    case 13:
-        siguiente(17);
-        break;
-    case 14:
-    case 16:
-        siguiente(4);
-        break;
-    case 15:
-        KeyCode = 0;
-        if (txtFields(16)->isEnabled())
-            txtFields(16)->setFocus(Qt::OtherFocusReason);
-        else
-            enfoca(4);
-        break;
-    case 18:
-        siguiente(19);
-        break;
-    case 28:
-        siguiente(29);
-        break;
-    case 29:
-        siguiente(6);
-        break;
-    default:
-        break;
-    }
-}
-
-void frmOp::txtFields_LostFocus(int Index)
-{
-    if (Index == 4 && isVisible() && !descargada())
-        PonDescripcion();
 }
 
 } // namespace zuvi

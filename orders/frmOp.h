@@ -4,7 +4,8 @@
 // ConsultaOp) sets Modo, Op, Ambiente, Parent and the header record, then
 // shows it. The class is split by concern: frmOp.cpp load, modes and closing;
 // frmOp_Guarda.cpp saving; frmOp_Partidas.cpp line entry and lookups;
-// frmOp_Comandos.cpp buttons and printing.
+// frmOp_Comandos.cpp buttons and printing; frmOp_Campos.cpp the header
+// fields' events and lookups; frmOp_Rejilla.cpp editing the grid in place.
 
 #include "component/Export.h"
 #include "contract/Servicios.h"
@@ -28,6 +29,7 @@ class frmOp;
 
 namespace zuvi {
 
+class MultiCombo;
 class Rejilla;
 
 class ZUVI_PRODUCCION_EXPORT frmOp : public Ventana
@@ -70,6 +72,7 @@ public:
     QPushButton *Command2 = nullptr;
     QPushButton *Command5 = nullptr;
     QPushButton *Command6 = nullptr;
+    MultiCombo *MultiCombo1 = nullptr; // hosts field 4 with its article list
     Rejilla *fg2 = nullptr;
     QLineEdit *txtEdit = nullptr;
     QTimer Timer1;
@@ -101,19 +104,53 @@ public:
 
     void Label10_Click(int Index);
 
+    // Header fields (frmOp_Campos.cpp): fills fields 4 and 1 from the
+    // secondary key of field 24.
+    void TraeSegundaClave();
+
+    // Grid editing (frmOp_Rejilla.cpp): starts an edit of the current cell
+    // with a typed character; handles the editor's navigation keys.
+    void MSFlexGridEdit(Rejilla *grid, QLineEdit *editor, qint16 &KeyAscii);
+    void EditKeyCode(Rejilla *grid, QLineEdit *editor, qint16 KeyCode, qint16 Shift);
+
 protected:
     void Form_Load() override;
     void Form_QueryUnload(qint16 &Cancel, qint16 UnloadMode) override;
     void Form_Unload(qint16 &Cancel) override;
+    void Form_KeyDown(qint16 &KeyCode, qint16 Shift) override;
     bool eventFilter(QObject *objeto, QEvent *evento) override;
     void showEvent(QShowEvent *evento) override;
 
 private:
     bool numeraSiEsAlta(AccesoDatos *datos, zuvi::Ambiente *amb);
     void Timer1_Timer();
-    void txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift);
-    void txtFields_LostFocus(int Index);
     void fg2_KeyDown(qint16 &KeyCode, qint16 Shift);
+
+    // Header fields (frmOp_Campos.cpp).
+    void conectaCampos();
+    void txtFields_GotFocus(int Index);
+    void txtFields_KeyPress(int Index, qint16 &KeyAscii);
+    void txtFields_Change(int Index);
+    void txtFields_LostFocus(int Index);
+    void txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift);
+    void txtFields_KeyUp(int Index, qint16 &KeyCode, qint16 Shift);
+    void txtFields_DblClick(int Index);
+    void RichTextBox1_KeyDown(qint16 &KeyCode, qint16 Shift);
+    // The catalogue lookup, with a target box, caption and row filter.
+    void abreCatalogo(QLineEdit *destino, const QString &titulo, const QString &filtro);
+    void formatea(QLineEdit *caja);
+
+    // Grid editing (frmOp_Rejilla.cpp).
+    void conectaRejilla();
+    void Fg2_KeyPress(qint16 &KeyAscii);
+    void Fg2_GotFocus();
+    void Fg2_LeaveCell();
+    void fg2_DblClick();
+    void fg2_RowColChange();
+    void txtEdit_KeyPress(qint16 &KeyAscii);
+    void txtEdit_KeyDown(qint16 &KeyCode, qint16 Shift);
+    // The edit written back into the current cell, when there is one.
+    void escribeEdicion();
 
     // The header controls from the order's row (after loading and CreaOp).
     void cargaEncabezado(const RecordsetPtr &registro);
@@ -130,6 +167,7 @@ private:
     std::unique_ptr<ConstructorSql> m_sql;
     double m_costoArticulo = 0; // unit cost of the article typed, for CostoTotal
     bool m_enfocado = false;
+    bool m_descartaEdicion = false; // Escape: the grid takes the focus, not the edit
 };
 
 } // namespace zuvi

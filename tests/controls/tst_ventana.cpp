@@ -1,13 +1,19 @@
+#include "controls/Rejilla.h"
 #include "controls/Teclas.h"
 #include "controls/Ventana.h"
 #include "runtime/Error.h"
 #include "tests/support/CapturaReportes.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
+#include <QIntValidator>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScrollBar>
+#include <QShortcut>
+#include <QSignalSpy>
 #include <QTest>
 
 using namespace zuvi;
@@ -31,8 +37,16 @@ public:
                            if (k == teclas::F8)
                                campo(1); // txtFieldsB_1 is not txtFields(1): an error
                        },
-                       {},
+                       [this](int i, qint16 &c) {
+                           anota(QStringLiteral("txtFields_KeyPress %1 %2").arg(i).arg(c));
+                           c = c == '1' ? 0 : c; // refuses the digit one
+                       },
                        {}});
+        const auto evento = [this](const char *nombre) {
+            return [this, nombre](int i) { anota(QStringLiteral("%1 %2").arg(nombre).arg(i)); };
+        };
+        conectaEventos(QStringLiteral("txtFields"), {evento("Change"), evento("GotFocus"),
+                                                     evento("LostFocus"), evento("DblClick")});
     }
     QLineEdit *campo(int i) { return arreglo<QLineEdit>(QStringLiteral("txtFields"))(i); }
     qint16 anota(const QString &linea, qint16 devuelve = 0)
@@ -84,8 +98,94 @@ class TstVentana : public QObject
             QRegularExpression(QStringLiteral("KeyDown.* (?!1[678] )\\d+ \\d+$")));
     }
 
+    // Types into a box of the active window and describes the box after it and after an
+    // undo: text, cursor, selection, edits signalled and a one-letter shortcut's firings.
+    static QStringList tecleaEn(QWidget *ventana, QLineEdit *caja, const QByteArray &teclas)
+    {
+        QFETCH(QString, inicial);
+        QFETCH(int, cursor);
+        QFETCH(QString, mascara);
+        QFETCH(int, largo);
+        QFETCH(bool, soloLectura);
+        QFETCH(bool, validador);
+        ventana->show();
+        ventana->activateWindow();
+        if (!QTest::qWaitForWindowActive(ventana))
+            return {QStringLiteral("la ventana no se activó")};
+        caja->setFocus();
+        caja->setInputMask(mascara);
+        caja->setMaxLength(largo);
+        caja->setText(inicial);
+        caja->setReadOnly(soloLectura);
+        if (validador)
+            caja->setValidator(new QIntValidator(0, 99, caja));
+        if (cursor < 0)
+            caja->selectAll();
+        else
+            caja->setCursorPosition(cursor);
+        int ediciones = 0, atajos = 0;
+        QObject::connect(caja, &QLineEdit::textEdited, caja, [&] { ++ediciones; });
+        QShortcut atajo(QKeySequence(QStringLiteral("Z")), ventana);
+        QObject::connect(&atajo, &QShortcut::activated, caja, [&] { ++atajos; });
+        const auto describe = [&] {
+            return QStringLiteral("%1|%2|%3|%4|%5")
+                .arg(caja->text())
+                .arg(caja->cursorPosition())
+                .arg(caja->selectedText())
+                .arg(ediciones)
+                .arg(atajos);
+        };
+        for (const char c : teclas)
+            QTest::keyClick(ventana->windowHandle(), c);
+        QStringList estados{describe()};
+        QTest::keyClick(ventana->windowHandle(), Qt::Key_Z, Qt::ControlModifier);
+        return estados << describe();
+    }
+
 private Q_SLOTS:
     void cleanup() { qDeleteAll(QApplication::topLevelWidgets()); }
+
+    // A box of the window takes a typed character as a box of no window does: in place of
+    // the selection, within its mask, validator and length, not at all when read-only (where
+    // a one-letter shortcut fires instead), and all of it undone at once.
+    void escribeComoUnaCajaSinVentana_data()
+    {
+        QTest::addColumn<QString>("inicial");
+        QTest::addColumn<int>("cursor"); // -1 selects everything
+        QTest::addColumn<QString>("mascara");
+        QTest::addColumn<int>("largo");
+        QTest::addColumn<bool>("soloLectura");
+        QTest::addColumn<bool>("validador");
+        QTest::addColumn<QByteArray>("teclas");
+        QTest::addColumn<QString>("esperado");
+        const int sinLimite = 32767;
+        QTest::newRow("en medio") << "az" << 1 << "" << sinLimite << false << false
+                                  << QByteArray("b-c .Z") << "ab-c .Zz";
+        QTest::newRow("sobre la selección")
+            << "abc" << -1 << "" << sinLimite << false << false << QByteArray("zy") << "zy";
+        QTest::newRow("largo máximo")
+            << "ab" << 2 << "" << 3 << false << false << QByteArray("cde") << "abc";
+        QTest::newRow("máscara") << "" << 0 << "999" << sinLimite << false << false
+                                 << QByteArray("2a3") << "23";
+        QTest::newRow("validador")
+            << "" << 0 << "" << sinLimite << false << true << QByteArray("2a34") << "23";
+        QTest::newRow("solo lectura")
+            << "ab" << 2 << "" << sinLimite << true << false << QByteArray("cz") << "ab";
+    }
+    void escribeComoUnaCajaSinVentana()
+    {
+        QFETCH(QByteArray, teclas);
+        QFETCH(QString, esperado);
+        QStringList sola;
+        {
+            QWidget ventana;
+            sola = tecleaEn(&ventana, new QLineEdit(&ventana), teclas);
+        }
+        QCOMPARE(sola.value(0).section('|', 0, 0), esperado);
+        auto v = abre();
+        QVERIFY(v);
+        QCOMPARE(tecleaEn(v, v->campo(3), teclas), sola);
+    }
 
     // With key preview a key reaches the window first, then the focused member with its index,
     // as key code and shift state (1 shift, 2 ctrl, 4 alt); the window may swallow it. Keys sent
@@ -96,13 +196,74 @@ private Q_SLOTS:
         QVERIFY(v && abre()); // the second window is the active one
         for (const QString caso :
              {"F1=112 0", "F12=123 0", "Return=13 0", "Num+Enter=13 0", "Shift+F2=113 1",
-              "Ctrl+Del=46 2", "Alt+Shift+F3=114 5", "Y=89 0"}) {
+              "Ctrl+Del=46 2", "Alt+Shift+F3=114 5", "Y=89 0", "Shift+(=57 1", "Shift+!=49 1",
+              "Ñ=192 0", "Shift+:=186 1", "'=222 0"}) {
             const QString esperado = caso.section('=', 1);
             QCOMPARE(pulsa(v, QKeySequence(caso.section('=', 0, 0))[0]),
                      (QStringList{"Form_KeyDown " + esperado, "txtFields_KeyDown 3 " + esperado}));
         }
         QCOMPARE(pulsa(v, Qt::Key_X), QStringList{"Form_KeyDown 88 0"});
-        QCOMPARE(v->campo(3)->text(), QStringLiteral("y"));
+        QCOMPARE(v->campo(3)->text(), QStringLiteral("y(!Ñ:'"));
+        pulsa(v, QKeyCombination(Qt::ShiftModifier, Qt::Key_ParenLeft));
+        QVERIFY(v->registro.contains("txtFields_KeyPress 3 40"));
+    }
+
+    // Change, GotFocus, LostFocus and DblClick reach each member with its index; activating
+    // another window moves no focus in this one's eyes.
+    void eventosPorMiembro()
+    {
+        auto v = abre();
+        QVERIFY(v);
+        v->registro.clear();
+        v->campo(0)->setFocus();
+        v->campo(0)->setText(QStringLiteral("a"));
+        QTest::mouseDClick(v->campo(3), Qt::LeftButton);
+        QVERIFY(abre());
+        QCOMPARE(v->registro, (QStringList{"LostFocus 3", "GotFocus 0", "Change 0", "LostFocus 0",
+                                           "GotFocus 3", "DblClick 3"}));
+    }
+
+    // A paste is typed character by character through KeyPress: refused and untypeable
+    // characters (control codes, undecodable bytes) are dropped, and it stops when the box
+    // is full.
+    void pegadoFiltrado()
+    {
+        auto v = abre();
+        QVERIFY(v);
+        QLineEdit *campo = v->campo(3);
+        campo->setMaxLength(4);
+        QGuiApplication::clipboard()->setText(QString::fromUtf8("a1\x01\tb\xff c d e"));
+        QTest::keyClick(v->windowHandle(), Qt::Key_V, Qt::ControlModifier);
+        QCOMPARE(campo->text(), QStringLiteral("ab c"));
+        QCOMPARE(v->registro.filter("KeyPress").size(), 5); // a 1 b blank c
+    }
+
+    // The grid follows a current row set from code: many rows set in a row scroll it once, when
+    // the events in hand are done, and the current cell's place is read where it is shown even
+    // before then.
+    void rejillaSigueSuFilaActual()
+    {
+        QWidget marco;
+        auto *rejilla = new Rejilla(&marco);
+        rejilla->SetRows(101);
+        rejilla->SetCols(2);
+        rejilla->setGeometry(0, 0, 300, 200);
+        marco.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&marco));
+        QSignalSpy desplazamientos(rejilla->verticalScrollBar(), &QScrollBar::valueChanged);
+        for (int fila = 1; fila <= 80; ++fila)
+            rejilla->SetRow(fila);
+        QCoreApplication::processEvents();
+        QCOMPARE(desplazamientos.size(), 1);
+        const auto enVista = [&] {
+            const QRect lugar = rejilla->rectanguloCelda();
+            const QRect celda = rejilla->visualRect(rejilla->currentIndex());
+            return rejilla->viewport()->rect().contains(celda) &&
+                   lugar == celda.translated(rejilla->viewport()->mapTo(&marco, QPoint()));
+        };
+        QVERIFY(enVista());
+        rejilla->SetRow(3);
+        QVERIFY(enVista());
     }
 
     void errorDeManejadorSeReportaConModuloYProcedimiento()
@@ -136,7 +297,7 @@ private Q_SLOTS:
             const bool cierra = consulta == 0 && descarga == 0;
             QCOMPARE(barra ? cierre.isAccepted() : v->descarga(), cierra);
             QStringList esperado{QStringLiteral("Form_QueryUnload %1").arg(barra ? 0 : 1)};
-            QCOMPARE(v->registro, consulta ? esperado : esperado << "Form_Unload");
+            QCOMPARE(v->registro.filter("Form_"), consulta ? esperado : esperado << "Form_Unload");
             QTRY_VERIFY(cierra ? v.isNull() : v->isVisible() && !v->descargada());
         }
     }

@@ -92,6 +92,22 @@ private Q_SLOTS:
         QVERIFY(informes->textos.isEmpty() && f->txtFields(0)->text() == tecleado);
     }
 
+    // Keys that type symbols refresh Codigo as any other key does: each takes the text
+    // typed before it.
+    void teclasDeSimbolosRefrescanElCodigo()
+    {
+        auto f = abre();
+        QVERIFY(f);
+        f->txtFields(0)->setFocus();
+        QTest::keyClicks(f->txtFields(0), QStringLiteral("AB"));
+        QTest::keyClick(f->windowHandle(), Qt::Key_ParenLeft, Qt::ShiftModifier);
+        QCOMPARE(f->Codigo, QStringLiteral("AB"));
+        QTest::keyClick(f->windowHandle(), Qt::Key_Colon, Qt::ShiftModifier);
+        QCOMPARE(f->Codigo, QStringLiteral("AB("));
+        QTest::keyClick(f->windowHandle(), Qt::Key_Ntilde);
+        QCOMPARE(f->Codigo, QStringLiteral("AB(:"));
+    }
+
     void dosLlamadasAbrenDosVentanasIndependientes()
     {
         auto primera = abre(), segunda = abre();

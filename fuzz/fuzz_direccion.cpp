@@ -24,7 +24,13 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t largo)
 
     // The password of an address, when it has one: it must never be shown.
     static const QRegularExpression conClave(QStringLiteral("^\\s*[^:/]+://[^:@/]*:([^@/]{6,})@"));
-    const QString clave = conClave.match(texto).captured(1);
+    const QRegularExpressionMatch m = conClave.match(texto);
+    QString clave = m.captured(1);
+    // A password that also stands elsewhere in the text (the server's name,
+    // say) may show there: only the password's own place is hidden.
+    if (!clave.isEmpty() &&
+        QString(texto).remove(m.capturedStart(1), m.capturedLength(1)).contains(clave))
+        clave.clear();
     try {
         const DestinoBase d = DestinoBase::lee(texto);
         if (d.motor == Motor::MariaDB) {

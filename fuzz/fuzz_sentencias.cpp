@@ -16,8 +16,9 @@ using zuvi::fuzz::exige;
 
 namespace {
 
-// The '?' of a normalized text outside its quoted texts and names.
-qsizetype marcas(const QString &sql)
+// The '?' of a normalized text outside its quoted texts and names (SQLite
+// also quotes a name between brackets).
+qsizetype marcas(const QString &sql, Motor motor)
 {
     qsizetype n = 0;
     QChar cierre; // the quote that ends the quoted part the scan is in
@@ -27,6 +28,8 @@ qsizetype marcas(const QString &sql)
                 cierre = QChar();
         } else if (c == QLatin1Char('\'') || c == QLatin1Char('"') || c == QLatin1Char('`')) {
             cierre = c;
+        } else if (c == QLatin1Char('[') && motor == Motor::SQLite) {
+            cierre = QLatin1Char(']');
         } else if (c == QLatin1Char('?')) {
             ++n;
         } else {
@@ -61,7 +64,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *datos, size_t largo)
 
     const SentenciaNormalizada n = normalizaSentencia(sql, motor);
     if (n.entendida)
-        exige(marcas(n.texto) == n.valores.size(), "una marca por valor");
+        exige(marcas(n.texto, motor) == n.valores.size(), "una marca por valor");
 
     // A key between quotes, its quotes doubled as the statements write them.
     QString doblada = clave;

@@ -334,7 +334,8 @@ private:
         bool decimal = false;
         qint64 entero = 0;
         while (i < n && esDigito(m_s[i])) {
-            entero = entero * 10 + (m_s[i] - u'0');
+            if (i - desde < 18) // beyond that the value is not kept (see largo)
+                entero = entero * 10 + (m_s[i] - u'0');
             ++i;
         }
         const bool largo = i - desde > 18; // more than a 64-bit integer surely holds

@@ -8,6 +8,7 @@
 #include <QSqlRecord>
 
 #include <algorithm>
+#include <cmath>
 
 namespace zuvi {
 
@@ -194,7 +195,17 @@ QString variantToText(const QVariant &v)
         return v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss"));
     case QMetaType::Double: {
         const double d = v.toDouble();
-        return QString::number(d, 'g', 15);
+        // Fifteen digits, as a text box shows a number; at the very ends of
+        // the range those round past the largest double, and the text would
+        // no longer read back as a number: there all seventeen are kept.
+        const QString texto = QString::number(d, 'g', 15);
+        if (std::isfinite(d) && std::abs(d) > 1e308) {
+            bool ok = false;
+            texto.toDouble(&ok);
+            if (!ok)
+                return QString::number(d, 'g', 17);
+        }
+        return texto;
     }
     default:
         return v.toString();

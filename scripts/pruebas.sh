@@ -25,7 +25,8 @@ pruebas() {
     (cd "$1" && QT_QPA_PLATFORM=offscreen ctest --output-on-failure -j"$(nproc)" "${@:2}")
 }
 
-# Each target for 30 s, two at a time; the corpus grows in a temporary folder
+# Each target for 30 s, two at a time, from a fixed random seed so that a run
+# can be repeated (ZUVI_FUZZ_SEMILLA chooses another); the corpus grows in a temporary folder
 # (the seeds in the repository stay as they are) and a failing input is kept
 # in build-fuzz/ as fallo-TARGET-*.
 fuzz() {
@@ -40,6 +41,7 @@ fuzz() {
         for o in "${objetivos[@]:i:2}"; do
             mkdir -p "$corpus/$o"
             "$build_fuzz/fuzz_$o" -max_total_time=30 -max_len=1024 -print_final_stats=1 \
+                -seed="${ZUVI_FUZZ_SEMILLA:-1}" \
                 -artifact_prefix="$build_fuzz/fallo-$o-" "$corpus/$o" "$raiz/fuzz/semillas/$o" \
                 >"$corpus/$o.log" 2>&1 &
             pids+=($!)
@@ -47,7 +49,7 @@ fuzz() {
         for p in "${pids[@]}"; do wait "$p" || fallos=$((fallos + 1)); done
     done
     for o in "${objetivos[@]}"; do
-        grep -h -E 'stat::number_of_executed_units|Falla:|ERROR:' "$corpus/$o.log" |
+        grep -h -E 'stat::number_of_executed_units|Falla:|ERROR:|runtime error' "$corpus/$o.log" |
             sed "s/^/fuzz_$o: /"
     done
     [ "$fallos" -eq 0 ]

@@ -306,7 +306,8 @@ int ejecuta(const LineaComandos &lc)
     if (o == QLatin1String("crea-base")) {
         exigeArgumentos(lc, 0, 0, QStringLiteral("crea-base [--demo]"));
         auto sesion = abreSesion(lc);
-        sesion->creaBase(lc.demo);
+        if (!sesion->creadaAlAbrir()) // an existing base gets what it lacks
+            sesion->creaBase(lc.demo);
         salida(QStringLiteral("Base de datos lista%1: %2")
                    .arg(lc.demo ? QStringLiteral(" con datos de demostración") : QString(),
                         sesion->opciones().base));

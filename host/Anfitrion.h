@@ -66,6 +66,9 @@ public:
     // Creates the schema and the host's base rows (message catalogue,
     // numbering); with demo, the demo data too. Idempotent.
     void creaBase(bool demo);
+    // True when opening found the database empty and created it (creaBase
+    // has run already, with the demo flag given to abre).
+    bool creadaAlAbrir() const;
 
 private:
     Sesion();

@@ -108,6 +108,7 @@ struct Sesion::Datos
     QString nombreConexion;
     QSqlDatabase db;
     std::unique_ptr<AmbienteAnfitrion> ambiente;
+    bool creadaAlAbrir = false;
 };
 
 Sesion::Sesion() : d(std::make_unique<Datos>()) {}
@@ -138,6 +139,11 @@ Motor Sesion::motor() const
 const Opciones &Sesion::opciones() const
 {
     return d->opciones;
+}
+
+bool Sesion::creadaAlAbrir() const
+{
+    return d->creadaAlAbrir;
 }
 
 void Sesion::creaBase(bool demo)
@@ -339,6 +345,7 @@ std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
                             .arg(nombreVisible));
         modoDiario();
         s->creaBase(demo);
+        s->d->creadaAlAbrir = true;
     } else {
         modoDiario();
         try {

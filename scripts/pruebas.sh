@@ -34,7 +34,6 @@ fuzz() {
     cmake --build "$build_fuzz" -j"$(nproc)"
     local corpus
     corpus=$(mktemp -d)
-    trap 'rm -rf "$corpus"' RETURN
     local objetivos=(filtros sentencias direccion recordset) fallos=0 i
     for ((i = 0; i < ${#objetivos[@]}; i += 2)); do
         local pids=()
@@ -50,8 +49,9 @@ fuzz() {
     done
     for o in "${objetivos[@]}"; do
         grep -h -E 'stat::number_of_executed_units|Falla:|ERROR:|runtime error' "$corpus/$o.log" |
-            sed "s/^/fuzz_$o: /"
+            sed "s/^/fuzz_$o: /" || true
     done
+    rm -rf "$corpus"
     [ "$fallos" -eq 0 ]
 }
 

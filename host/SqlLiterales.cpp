@@ -572,8 +572,9 @@ qsizetype finDeNumero(const char16_t *s, qsizetype n, qsizetype i, Literal &l)
 {
     const qsizetype desde = i;
     qint64 entero = 0;
-    while (i < n && esDigito(s[i]))
-        entero = entero * 10 + (s[i++] - u'0');
+    for (; i < n && esDigito(s[i]); ++i)
+        if (i - desde < 18) // longer is refused below, and would overflow
+            entero = entero * 10 + (s[i] - u'0');
     if (i == desde)
         return -1;
     const bool decimal = i < n && (s[i] == u'.' || s[i] == u'e' || s[i] == u'E');

@@ -143,49 +143,35 @@ private:
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    const int corridas = argc > 1 ? qMax(1, atoi(argv[1])) : 50;
-    QTemporaryDir temporal;
-    const QString carpeta = argc > 2 ? QString::fromLocal8Bit(argv[2]) : temporal.path();
-    try {
-        bench::Banco banco = bench::abreBanco(carpeta, QStringLiteral("editor.db"));
-        const auto &silencio = banco.silencio;
-        const QString &ruta = banco.ruta;
-        const auto &s = banco.sesion;
-        creaOrden(s->conexion());
-        modulo::reinicia();
-        Produccion p;
-        p.SetAmbiente(s->ambiente());
-        Bare bare(ruta);
-        conEditor(p); // first use: the shared objects, fonts, styles
-        QCoreApplication::sendPostedEvents();
-        bare.abreYCierra();
-        std::vector<double> editor, base;
-        // What the event loop would do between two openings (deferred deletes,
-        // layout and paint requests) runs outside the timing, for both ways.
-        const auto vacia = [] {
+    return bench::principal(
+        argc, argv, "bench_editor", 50, [](int corridas, const QString &carpeta) {
+            bench::Banco banco = bench::abreBanco(carpeta, QStringLiteral("editor.db"));
+            const auto &silencio = banco.silencio;
+            const QString &ruta = banco.ruta;
+            const auto &s = banco.sesion;
+            creaOrden(s->conexion());
+            modulo::reinicia();
+            Produccion p;
+            p.SetAmbiente(s->ambiente());
+            Bare bare(ruta);
+            conEditor(p); // first use: the shared objects, fonts, styles
             QCoreApplication::sendPostedEvents();
-            QCoreApplication::processEvents();
-        };
-        for (int i = 0; i < corridas; ++i) {
-            editor.push_back(conEditor(p));
-            vacia();
-            base.push_back(bare.abreYCierra());
-            vacia();
-        }
-        if (silencio->errores)
-            throw Error(QStringLiteral("El editor reportó %1 errores").arg(silencio->errores));
-        const double me = bench::mediana(editor), mb = bench::mediana(base);
-        std::printf("editor (componente y anfitrión): mediana %.3f ms en %d corridas\n", me,
-                    corridas);
-        std::printf("base (API C de SQLite y QTableWidget): mediana %.3f ms\n", mb);
-        std::printf("ratio: %.2f\n", me / mb);
-        modulo::reinicia();
-    } catch (...) {
-        std::fprintf(stderr, "bench_editor: %s\n", qUtf8Printable(describeCurrentException()));
-        return 1;
-    }
-    return 0;
+            bare.abreYCierra();
+            std::vector<double> editor, base;
+            // What the event loop would do between two openings (deferred deletes,
+            // layout and paint requests) runs outside the timing, for both ways.
+            for (int i = 0; i < corridas; ++i) {
+                editor.push_back(conEditor(p));
+                bench::vaciaEventos();
+                base.push_back(bare.abreYCierra());
+                bench::vaciaEventos();
+            }
+            if (silencio->errores)
+                throw Error(QStringLiteral("El editor reportó %1 errores").arg(silencio->errores));
+            const double me = bench::mediana(editor), mb = bench::mediana(base);
+            std::printf("editor (componente y anfitrión): mediana %.3f ms en %d corridas\n", me,
+                        corridas);
+            std::printf("base (API C de SQLite y QTableWidget): mediana %.3f ms\n", mb);
+            std::printf("ratio: %.2f\n", me / mb);
+        });
 }

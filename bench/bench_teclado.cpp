@@ -192,54 +192,40 @@ private:
 
 int main(int argc, char **argv)
 {
-    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
-        qputenv("QT_QPA_PLATFORM", "offscreen");
-    QApplication app(argc, argv);
-    const int corridas = argc > 1 ? qMax(1, atoi(argv[1])) : 9;
-    QTemporaryDir temporal;
-    const QString carpeta = argc > 2 ? QString::fromLocal8Bit(argv[2]) : temporal.path();
-    try {
-        bench::Banco banco = bench::abreBanco(carpeta, QStringLiteral("teclado.db"));
-        const auto &silencio = banco.silencio;
-        const QString &ruta = banco.ruta;
-        const auto &sesion = banco.sesion;
-        preparaArticulos(sesion->conexion());
-        modulo::reinicia();
-        Produccion p;
-        p.SetAmbiente(sesion->ambiente());
-        Sesion s{p, manejador(sesion->conexion()), {}};
-        Bare bare(ruta);
-        const QByteArray folios = bare.folios();
-        const auto vacia = [] {
-            QCoreApplication::sendPostedEvents();
-            QCoreApplication::processEvents();
-        };
-        std::vector<double> editor, base;
-        for (int i = 0; i <= corridas; ++i) { // the first of each is a warm-up
-            const double e = conEditor(s);
-            vacia();
-            bare.deshace(folios);
-            const double b = bare.repite(s.sentencias);
-            bare.deshace(folios);
-            vacia();
-            if (i > 0) {
-                editor.push_back(e);
-                base.push_back(b);
+    return bench::principal(
+        argc, argv, "bench_teclado", 9, [](int corridas, const QString &carpeta) {
+            bench::Banco banco = bench::abreBanco(carpeta, QStringLiteral("teclado.db"));
+            const auto &silencio = banco.silencio;
+            const QString &ruta = banco.ruta;
+            const auto &sesion = banco.sesion;
+            preparaArticulos(sesion->conexion());
+            modulo::reinicia();
+            Produccion p;
+            p.SetAmbiente(sesion->ambiente());
+            Sesion s{p, manejador(sesion->conexion()), {}};
+            Bare bare(ruta);
+            const QByteArray folios = bare.folios();
+            std::vector<double> editor, base;
+            for (int i = 0; i <= corridas; ++i) { // the first of each is a warm-up
+                const double e = conEditor(s);
+                bench::vaciaEventos();
+                bare.deshace(folios);
+                const double b = bare.repite(s.sentencias);
+                bare.deshace(folios);
+                bench::vaciaEventos();
+                if (i > 0) {
+                    editor.push_back(e);
+                    base.push_back(b);
+                }
             }
-        }
-        if (silencio->errores)
-            throw Error(QStringLiteral("El editor reportó %1 errores").arg(silencio->errores));
-        const double me = bench::mediana(editor), mb = bench::mediana(base);
-        std::printf("editor (%d líneas tecleadas, lector de códigos): mediana %.3f ms en %d "
-                    "corridas\n",
-                    kLineas, me, corridas);
-        std::printf("base (las mismas %zu sentencias, API C de SQLite): mediana %.3f ms\n",
-                    s.sentencias.size(), mb);
-        std::printf("ratio: %.2f\n", me / mb);
-        modulo::reinicia();
-    } catch (...) {
-        std::fprintf(stderr, "bench_teclado: %s\n", qUtf8Printable(describeCurrentException()));
-        return 1;
-    }
-    return 0;
+            if (silencio->errores)
+                throw Error(QStringLiteral("El editor reportó %1 errores").arg(silencio->errores));
+            const double me = bench::mediana(editor), mb = bench::mediana(base);
+            std::printf("editor (%d líneas tecleadas, lector de códigos): mediana %.3f ms en %d "
+                        "corridas\n",
+                        kLineas, me, corridas);
+            std::printf("base (las mismas %zu sentencias, API C de SQLite): mediana %.3f ms\n",
+                        s.sentencias.size(), mb);
+            std::printf("ratio: %.2f\n", me / mb);
+        });
 }

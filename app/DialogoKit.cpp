@@ -1,8 +1,8 @@
 #include "app/DialogoKit.h"
 
-#include "host/Comprobaciones.h"
-#include "host/Interaccion.h"
-#include "host/Sql.h"
+#include "host/interaccion/Interaccion.h"
+#include "host/servicios/Comprobaciones.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QButtonGroup>

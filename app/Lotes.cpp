@@ -1,8 +1,8 @@
 #include "app/Lotes.h"
 
 #include "app/Componente.h"
-#include "host/Comprobaciones.h"
-#include "host/Interaccion.h"
+#include "host/interaccion/Interaccion.h"
+#include "host/servicios/Comprobaciones.h"
 #include "runtime/Text.h"
 
 #include <QObject>

@@ -24,7 +24,7 @@ struct Desenlace
 };
 
 // Calls a member with values of its parameter types. For the batch members:
-// the checks of host/Comprobaciones.h (they throw anfitrion::Rechazo and
+// the checks of host/servicios/Comprobaciones.h (they throw anfitrion::Rechazo and
 // nothing runs); before delivering an order that already has finished-kit
 // entries, a question (a no runs nothing); repeated identical reports
 // counted; after a delivery, the lines that got no entry, with the first

@@ -1,7 +1,7 @@
 #include "app/Comandos.h"
 #include "app/LineaComandos.h"
 #include "app/VentanaPrincipal.h"
-#include "host/Rutas.h"
+#include "host/base/Rutas.h"
 #include "runtime/Error.h"
 
 #include <QApplication>

@@ -4,7 +4,7 @@
 // error reports to standard error and counted (a run with errors measured
 // nothing worth having), messages to standard error only when asked.
 
-#include "host/Interaccion.h"
+#include "host/interaccion/Interaccion.h"
 
 #include <cstdio>
 #include <memory>

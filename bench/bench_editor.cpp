@@ -10,8 +10,8 @@
 #include "bench/Comun.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
-#include "host/Anfitrion.h"
-#include "host/Interaccion.h"
+#include "host/base/Anfitrion.h"
+#include "host/interaccion/Interaccion.h"
 #include "orders/frmOp.h"
 #include "runtime/Error.h"
 

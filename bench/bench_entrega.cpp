@@ -22,9 +22,9 @@
 #include "bench/Silencio.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
-#include "host/Anfitrion.h"
-#include "host/Interaccion.h"
-#include "host/Sql.h"
+#include "host/base/Anfitrion.h"
+#include "host/interaccion/Interaccion.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QCoreApplication>

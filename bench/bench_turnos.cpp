@@ -17,8 +17,8 @@
 
 #include "bench/Silencio.h"
 #include "component/Modulo.h"
-#include "host/Anfitrion.h"
-#include "host/Interaccion.h"
+#include "host/base/Anfitrion.h"
+#include "host/interaccion/Interaccion.h"
 #include "runtime/Error.h"
 #include "shifts/frmTurno.h"
 

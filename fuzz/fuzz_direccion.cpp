@@ -5,8 +5,8 @@
 
 #include "Entrada.h"
 #include "Exige.h"
-#include "host/Anfitrion.h"
-#include "host/Rutas.h"
+#include "host/base/Anfitrion.h"
+#include "host/base/Rutas.h"
 #include "runtime/Error.h"
 
 #include <QRegularExpression>

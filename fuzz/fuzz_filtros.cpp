@@ -5,7 +5,7 @@
 
 #include "Entrada.h"
 #include "Exige.h"
-#include "host/Filtros.h"
+#include "host/servicios/Filtros.h"
 
 #include <QRegularExpression>
 

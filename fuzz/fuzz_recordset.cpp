@@ -4,7 +4,7 @@
 
 #include "Entrada.h"
 #include "Exige.h"
-#include "host/SqlInterno.h"
+#include "host/sql/SqlInterno.h"
 #include "runtime/Error.h"
 #include "runtime/Recordset.h"
 

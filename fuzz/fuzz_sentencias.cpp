@@ -6,8 +6,8 @@
 
 #include "Entrada.h"
 #include "Exige.h"
-#include "host/Anfitrion.h"
-#include "host/SqlInterno.h"
+#include "host/base/Anfitrion.h"
+#include "host/sql/SqlInterno.h"
 
 #include <sqlite3.h>
 

@@ -5,11 +5,11 @@
 // opens in the print preview; otherwise it is written as a PDF in the reports
 // folder and the user is told where.
 
-#include "host/Anfitrion.h"
-#include "host/Impresion.h"
-#include "host/Interaccion.h"
-#include "host/Reportes.h"
-#include "host/Sql.h"
+#include "host/base/Anfitrion.h"
+#include "host/interaccion/Interaccion.h"
+#include "host/reportes/Impresion.h"
+#include "host/reportes/Reportes.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QDate>

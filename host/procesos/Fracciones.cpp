@@ -3,9 +3,9 @@
 // article or a secondary key), shows the article with its stock and records
 // the capture in the table fracciones.
 
-#include "host/AmbienteAnfitrion.h"
-#include "host/Anfitrion.h"
-#include "host/Sql.h"
+#include "host/base/Anfitrion.h"
+#include "host/servicios/AmbienteAnfitrion.h"
+#include "host/sql/Sql.h"
 
 #include "runtime/Error.h"
 #include "runtime/Text.h"

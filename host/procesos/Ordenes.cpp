@@ -3,7 +3,7 @@
 // own for them and lets the editor go ahead; a shop that needs one replaces
 // the handler (ponManejadorProceso), as the tests do to refuse a step.
 
-#include "host/Anfitrion.h"
+#include "host/base/Anfitrion.h"
 
 namespace zuvi::anfitrion {
 

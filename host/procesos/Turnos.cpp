@@ -6,9 +6,9 @@
 
 #include "host/procesos/Turnos.h"
 
-#include "host/Anfitrion.h"
-#include "host/Interaccion.h"
-#include "host/Sql.h"
+#include "host/base/Anfitrion.h"
+#include "host/interaccion/Interaccion.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QCalendarWidget>

@@ -3,8 +3,8 @@
 
 #include "app/Componente.h"
 #include "app/Lotes.h"
-#include "host/Comprobaciones.h"
-#include "host/Sql.h"
+#include "host/servicios/Comprobaciones.h"
+#include "host/sql/Sql.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/Corrida.h"
 #include "tests/support/InteraccionGuionada.h"

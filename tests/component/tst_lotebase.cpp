@@ -3,8 +3,8 @@
 
 #include "component/Modulo.h"
 #include "component/Produccion.h"
-#include "host/AmbienteAnfitrion.h"
-#include "host/Sql.h"
+#include "host/servicios/AmbienteAnfitrion.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/CapturaReportes.h"

@@ -1,7 +1,7 @@
 // The host's catalogue lookup, driven with key and mouse events on the demo
 // data; on SQLite and again on the MariaDB test server.
 
-#include "host/BuscaCatalogoAnfitrion.h"
+#include "host/servicios/BuscaCatalogoAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/DialogoModal.h"

@@ -1,7 +1,7 @@
 // The host's numeric pad, shown through the service and driven by its buttons
 // or by the keyboard.
 
-#include "host/CapturaNumericaAnfitrion.h"
+#include "host/servicios/CapturaNumericaAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/DialogoModal.h"
 

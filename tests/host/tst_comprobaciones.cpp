@@ -1,9 +1,9 @@
 // What the host lets through to the batch operations, its grouping of repeated error reports and
 // the movements it refuses to post.
 
-#include "host/Comprobaciones.h"
-#include "host/DocumentoInventarioAnfitrion.h"
-#include "host/Interaccion.h"
+#include "host/interaccion/Interaccion.h"
+#include "host/servicios/Comprobaciones.h"
+#include "host/servicios/DocumentoInventarioAnfitrion.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/CapturaReportes.h"
 

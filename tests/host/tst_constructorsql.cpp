@@ -1,7 +1,7 @@
 // The host's statement builder, on SQLite and MariaDB.
 
-#include "host/ConstructorSqlAnfitrion.h"
-#include "host/Sql.h"
+#include "host/servicios/ConstructorSqlAnfitrion.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 

@@ -1,7 +1,7 @@
 // The host's process control: handlers by key, the veto flag and the order report.
 
-#include "host/ControlProcesosAnfitrion.h"
-#include "host/Reportes.h"
+#include "host/reportes/Reportes.h"
+#include "host/servicios/ControlProcesosAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"

@@ -1,8 +1,8 @@
 // Runs on SQLite and again on the MariaDB test server.
 
-#include "host/ConstructorSqlAnfitrion.h"
-#include "host/Esquema.h"
-#include "host/Sql.h"
+#include "host/base/Esquema.h"
+#include "host/servicios/ConstructorSqlAnfitrion.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 

@@ -2,7 +2,7 @@
 // The concurrency test starts this executable again as "--hijo URL CLAVE N": each
 // child opens the database and prints N numbers drawn from the key, one a line.
 
-#include "host/Folios.h"
+#include "host/base/Folios.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 

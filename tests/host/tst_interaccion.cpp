@@ -1,6 +1,6 @@
 // The interaction seam: the terminal of the command line and the desktop shell's dialogs.
 
-#include "host/Interaccion.h"
+#include "host/interaccion/Interaccion.h"
 
 #include <QtTest>
 #include <QtWidgets>

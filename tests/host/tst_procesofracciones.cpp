@@ -3,7 +3,7 @@
 #include "component/Modulo.h"
 #include "component/Produccion.h"
 #include "fractions/frmFracciones.h"
-#include "host/AmbienteAnfitrion.h"
+#include "host/servicios/AmbienteAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/CapturaReportes.h"

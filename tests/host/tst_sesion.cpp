@@ -1,9 +1,9 @@
 // The session: where --base points, opening or creating the database, its environment.
 
-#include "host/Anfitrion.h"
-#include "host/Esquema.h"
-#include "host/Rutas.h"
-#include "host/Sql.h"
+#include "host/base/Anfitrion.h"
+#include "host/base/Esquema.h"
+#include "host/base/Rutas.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QDir>

@@ -1,9 +1,9 @@
 // The statement path: the literal scanner, the kept statements and the trace,
 // on SQLite and MariaDB.
 
-#include "host/Anfitrion.h"
-#include "host/Sql.h"
-#include "host/SqlInterno.h"
+#include "host/base/Anfitrion.h"
+#include "host/sql/Sql.h"
+#include "host/sql/SqlInterno.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 

@@ -2,10 +2,10 @@
 // writes, the question and the messages, progress on long runs, and a
 // failure that leaves nothing. Runs on SQLite and again on MariaDB.
 
-#include "host/Anfitrion.h"
-#include "host/RolMes.h"
-#include "host/Sql.h"
+#include "host/base/Anfitrion.h"
 #include "host/procesos/Turnos.h"
+#include "host/reportes/RolMes.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"

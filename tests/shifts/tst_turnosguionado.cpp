@@ -4,7 +4,7 @@
 #include "apoyoturnos.h"
 
 #include "component/Modulo.h"
-#include "host/AccesoDatosAnfitrion.h"
+#include "host/servicios/AccesoDatosAnfitrion.h"
 #include "runtime/ClassRegistry.h"
 #include "shifts/SentenciasTurnos.h"
 #include "tests/support/AnfitrionGuionado.h"

@@ -1,7 +1,7 @@
 #include "tests/support/AnfitrionGuionado.h"
 
 #include "component/Modulo.h"
-#include "host/AccesoDatosAnfitrion.h"
+#include "host/servicios/AccesoDatosAnfitrion.h"
 #include "runtime/ClassRegistry.h"
 #include "runtime/Error.h"
 

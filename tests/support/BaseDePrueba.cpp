@@ -1,7 +1,7 @@
 #include "tests/support/BaseDePrueba.h"
 
-#include "host/AmbienteAnfitrion.h"
-#include "host/Sql.h"
+#include "host/servicios/AmbienteAnfitrion.h"
+#include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QAtomicInt>

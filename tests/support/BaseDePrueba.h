@@ -5,7 +5,7 @@
 // server, a database with a unique name there, dropped by the destructor.
 // It carries the host's schema and base rows, and the demo data when asked.
 
-#include "host/Anfitrion.h"
+#include "host/base/Anfitrion.h"
 
 #include <QDateTime>
 #include <QSqlDatabase>

@@ -4,7 +4,7 @@
 // error report and progress call and answers questions from a queue the test fills (no when it
 // is empty). instala() puts a fresh one in force until something else is.
 
-#include "host/Interaccion.h"
+#include "host/interaccion/Interaccion.h"
 
 #include <QList>
 #include <QQueue>

@@ -1,0 +1,307 @@
+#include "host/base/Esquema.h"
+
+#include "host/sql/Sql.h"
+
+#include <QRegularExpression>
+
+namespace zuvi::anfitrion {
+
+namespace {
+
+// Column types are written once with markers that each engine spells its own
+// way: "@ID" an auto-numbered key, "@T(n)" a text of up to n characters,
+// "@K(n)" such a text that is also a key the module writes between quotes
+// into its statements, so it may not hold a quote (nor, on MariaDB, a
+// backslash). Text compares without regard to case on both engines, as the
+// module's lookups expect (MariaDB's default collation does so already).
+//
+// Every text column carries a named check of its length, and every key one a
+// named check against quotes, so a text that does not fit is refused instead
+// of cut or stored over-long, and the host can say which column refused it.
+struct Tabla
+{
+    const char *nombre;
+    const char *columnas;
+};
+
+const Tabla kTablas[] = {
+    // Orders and their lines.
+    {"op", "op INT NOT NULL PRIMARY KEY,"
+           " estado @T(2) NOT NULL DEFAULT 'PE',"
+           " ocupado SMALLINT NOT NULL DEFAULT 0,"
+           " usuario @T(30) DEFAULT '',"
+           " usufecha DATE,"
+           " usuhora @T(8) DEFAULT '',"
+           " f_emision DATE,"
+           " fechaEntrega DATE,"
+           " importe DOUBLE DEFAULT 0,"
+           " costo DOUBLE DEFAULT 0,"
+           " almacen INT DEFAULT 0,"
+           " observ TEXT,"
+           " automatico SMALLINT DEFAULT 0,"
+           " ordencompra DOUBLE DEFAULT 0,"
+           " cerrado SMALLINT NOT NULL DEFAULT 0,"
+           " Tipo_doc @T(10) DEFAULT ''"},
+    {"oppart", "id_entrada INT NOT NULL PRIMARY KEY,"
+               " op INT NOT NULL,"
+               " tipo_doc @T(10) DEFAULT '',"
+               " no_referen INT DEFAULT 0,"
+               " articulo @K(30) NOT NULL,"
+               " cantidad DOUBLE DEFAULT 0,"
+               " precio DOUBLE DEFAULT 0,"
+               " impuesto DOUBLE DEFAULT 0,"
+               " observ TEXT,"
+               " partida SMALLINT DEFAULT 0,"
+               " terminado DOUBLE DEFAULT 0,"
+               " usuario @T(30) DEFAULT '',"
+               " usufecha DATE,"
+               " usuhora @T(8) DEFAULT ''"},
+    // Catalogues other modules of the suite own.
+    {"prods", "articulo @K(30) NOT NULL PRIMARY KEY,"
+              " descrip @T(100) DEFAULT '',"
+              " unidad @T(10) DEFAULT '',"
+              " costo_u DOUBLE DEFAULT 0,"
+              " ubicacion @T(30) DEFAULT '',"
+              " kit SMALLINT NOT NULL DEFAULT 0,"
+              " costo DOUBLE DEFAULT 0,"
+              " precio DOUBLE DEFAULT 0"},
+    {"clavesadd", "clave @K(30) NOT NULL PRIMARY KEY,"
+                  " Articulo @K(30) NOT NULL,"
+                  " Dato1 @T(60) DEFAULT '',"
+                  " Dato2 @T(60) DEFAULT '',"
+                  " unidad @T(10) DEFAULT ''"},
+    {"monedas", "moneda @K(10) NOT NULL PRIMARY KEY,"
+                " nombre @T(40) DEFAULT '',"
+                " Tc DOUBLE NOT NULL DEFAULT 1,"
+                " Base SMALLINT NOT NULL DEFAULT 0"},
+    {"vends", "vend @K(10) NOT NULL PRIMARY KEY,"
+              " Nombre @T(60) DEFAULT ''"},
+    {"almacen", "almacen INT NOT NULL PRIMARY KEY,"
+                " nombre @T(60) DEFAULT ''"},
+    // Kit recipes: one header per kit, one line per component.
+    {"componen", "articulo @K(30) NOT NULL PRIMARY KEY,"
+                 " Minimo DOUBLE NOT NULL DEFAULT 1"},
+    {"comppart", "id @ID,"
+                 " articulo @K(30) NOT NULL,"
+                 " Componente @K(30) NOT NULL,"
+                 " Cantidad DOUBLE NOT NULL DEFAULT 0,"
+                 " Almacen INT NOT NULL DEFAULT 1"},
+    // Shifts and schedules.
+    {"turnos", "turno @K(40) NOT NULL PRIMARY KEY,"
+               " entrada @T(5) DEFAULT '',"
+               " comida @T(5) DEFAULT '',"
+               " salida @T(5) DEFAULT '',"
+               " descanso @T(10) DEFAULT '',"
+               " regcomida @T(5) DEFAULT ''"},
+    {"turnoempleado", "turno @K(40) NOT NULL,"
+                      " empleado @K(20) NOT NULL,"
+                      " PRIMARY KEY (turno, empleado)"},
+    {"horarios", "id @ID,"
+                 " turno @K(40) NOT NULL,"
+                 " fecha DATE NOT NULL,"
+                 " Empleado @K(20) NOT NULL,"
+                 " HoraEntrada @T(5) DEFAULT '',"
+                 " comida @T(5) DEFAULT '',"
+                 " HoraSalida @T(5) DEFAULT ''"},
+    {"empleados", "empleado @K(20) NOT NULL PRIMARY KEY,"
+                  " nombre @T(60) DEFAULT ''"},
+    // The host's own tables.
+    {"mensajes", "numero INT NOT NULL PRIMARY KEY,"
+                 " texto @T(255) NOT NULL"},
+    {"folios", "clave @T(20) NOT NULL PRIMARY KEY,"
+               " ultimo INT NOT NULL DEFAULT 0"},
+    {"estaciones", "estacion @T(20) NOT NULL PRIMARY KEY,"
+                   " almacen INT NOT NULL DEFAULT 1,"
+                   " lector SMALLINT NOT NULL DEFAULT 0"},
+    {"movimientos", "id @ID,"
+                    " tipo @T(1) NOT NULL,"
+                    " concepto @T(4) DEFAULT '',"
+                    " orden INT DEFAULT 0,"
+                    " folio @T(20) DEFAULT '',"
+                    " usuario @T(30) DEFAULT '',"
+                    " fecha DATE,"
+                    " almacen INT NOT NULL DEFAULT 0,"
+                    " articulo @T(30) NOT NULL,"
+                    " cantidad DOUBLE NOT NULL DEFAULT 0,"
+                    " costo DOUBLE NOT NULL DEFAULT 0,"
+                    " importe DOUBLE NOT NULL DEFAULT 0"},
+    {"existencias", "articulo @T(30) NOT NULL,"
+                    " almacen INT NOT NULL,"
+                    " cantidad DOUBLE NOT NULL DEFAULT 0,"
+                    " PRIMARY KEY (articulo, almacen)"},
+    {"fracciones", "id @ID,"
+                   " codigo @T(40) NOT NULL,"
+                   " articulo @T(30) DEFAULT '',"
+                   " usuario @T(30) DEFAULT '',"
+                   " fecha DATE,"
+                   " hora @T(8) DEFAULT '',"
+                   " estacion @T(20) DEFAULT ''"},
+    // Catalogues the editor's lookups offer: inventory concepts of orders and
+    // taxes by percentage (the percentage is what a line's tax takes).
+    {"conceptos", "concepto @T(4) NOT NULL PRIMARY KEY,"
+                  " descrip @T(60) DEFAULT ''"},
+    {"impuestos", "impuesto @T(10) NOT NULL PRIMARY KEY,"
+                  " descrip @T(60) DEFAULT '',"
+                  " porcentaje DOUBLE NOT NULL DEFAULT 0"},
+    // The version of this schema the database holds (one row).
+    {"versionbase", "clave SMALLINT NOT NULL PRIMARY KEY,"
+                    " version INT NOT NULL"},
+};
+
+const char *const kIndices[] = {
+    "CREATE INDEX IF NOT EXISTS oppart_op ON oppart (op)",
+    "CREATE INDEX IF NOT EXISTS comppart_articulo ON comppart (articulo)",
+    "CREATE INDEX IF NOT EXISTS clavesadd_articulo ON clavesadd (Articulo)",
+    "CREATE INDEX IF NOT EXISTS horarios_turno_fecha ON horarios (turno, fecha)",
+    "CREATE INDEX IF NOT EXISTS horarios_empleado_fecha ON horarios (Empleado, fecha)",
+    "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
+};
+
+const QRegularExpression &columnaTexto()
+{
+    static const QRegularExpression r(QStringLiteral("(\\w+) @([TK])\\((\\d+)\\)"));
+    return r;
+}
+
+QString escribeTipos(const QString &columnas, Motor motor)
+{
+    const bool lite = motor == Motor::SQLite;
+    QString salida = columnas;
+    salida.replace(QStringLiteral("@ID"),
+                   lite ? QStringLiteral("INTEGER PRIMARY KEY AUTOINCREMENT")
+                        : QStringLiteral("INT NOT NULL AUTO_INCREMENT PRIMARY KEY"));
+    // MariaDB cuts a text to its column before a check sees it: one spare
+    // character lets the length check see that it was longer.
+    QString resultado;
+    qsizetype desde = 0;
+    for (const QRegularExpressionMatch &m : columnaTexto().globalMatch(salida)) {
+        const int largo = m.captured(3).toInt();
+        resultado += salida.mid(desde, m.capturedStart() - desde);
+        resultado +=
+            lite ? QStringLiteral("%1 VARCHAR(%2) COLLATE NOCASE").arg(m.captured(1)).arg(largo)
+                 : QStringLiteral("%1 VARCHAR(%2)").arg(m.captured(1)).arg(largo + 1);
+        desde = m.capturedEnd();
+    }
+    return resultado + salida.mid(desde);
+}
+
+} // namespace
+
+QList<Restriccion> restriccionesDe(const QString &tabla, Motor motor)
+{
+    QList<Restriccion> r;
+    for (const Tabla &t : kTablas) {
+        if (tabla.compare(QLatin1String(t.nombre), Qt::CaseInsensitive) != 0)
+            continue;
+        const QString columnas = QLatin1String(t.columnas);
+        for (const QRegularExpressionMatch &m : columnaTexto().globalMatch(columnas)) {
+            const QString columna = m.captured(1);
+            const int largo = m.captured(3).toInt();
+            const QString base = QStringLiteral("%1_%2_").arg(QLatin1String(t.nombre), columna);
+            const QString mide = motor == Motor::SQLite ? QStringLiteral("length(%1) <= %2")
+                                                        : QStringLiteral("CHAR_LENGTH(%1) <= %2");
+            r.append({base + QStringLiteral("largo"), QLatin1String(t.nombre), columna, largo,
+                      mide.arg(columna).arg(largo), false});
+            if (m.captured(2) != QLatin1String("K"))
+                continue;
+            const QString sinComilla =
+                motor == Motor::SQLite
+                    ? QStringLiteral("instr(%1, '''') = 0")
+                    : QStringLiteral("LOCATE('''', %1) = 0 AND LOCATE(CHAR(92), %1) = 0");
+            r.append({base + QStringLiteral("comilla"), QLatin1String(t.nombre), columna, largo,
+                      sinComilla.arg(columna), true});
+        }
+    }
+    return r;
+}
+
+std::optional<Restriccion> restriccionLlamada(const QString &nombre)
+{
+    static const QList<Restriccion> todas = [] {
+        QList<Restriccion> l;
+        for (const Tabla &t : kTablas)
+            l += restriccionesDe(QLatin1String(t.nombre), Motor::SQLite);
+        return l;
+    }();
+    for (const Restriccion &r : todas)
+        if (r.nombre.compare(nombre, Qt::CaseInsensitive) == 0)
+            return r;
+    return std::nullopt;
+}
+
+int largoColumna(const QString &tabla, const QString &columna)
+{
+    for (const Restriccion &r : restriccionesDe(tabla, Motor::SQLite))
+        if (r.columna.compare(columna, Qt::CaseInsensitive) == 0)
+            return r.largo;
+    return 0;
+}
+
+QString sentenciaTabla(const QString &tabla, Motor motor, const QString &nombreNuevo)
+{
+    for (const Tabla &t : kTablas) {
+        if (tabla.compare(QLatin1String(t.nombre), Qt::CaseInsensitive) != 0)
+            continue;
+        QString columnas = escribeTipos(QLatin1String(t.columnas), motor);
+        for (const Restriccion &r : restriccionesDe(tabla, motor))
+            columnas += QStringLiteral(", CONSTRAINT %1 CHECK (%2)").arg(r.nombre, r.condicion);
+        return QStringLiteral("CREATE TABLE IF NOT EXISTS %1 (%2%3")
+            .arg(nombreNuevo.isEmpty() ? QLatin1String(t.nombre) : nombreNuevo, columnas,
+                 motor == Motor::MariaDB ? QStringLiteral(") ENGINE=InnoDB DEFAULT CHARSET=utf8mb4")
+                                         : QStringLiteral(")"));
+    }
+    return {};
+}
+
+QStringList sentenciasIndices()
+{
+    QStringList r;
+    for (const char *indice : kIndices)
+        r << QLatin1String(indice);
+    return r;
+}
+
+QStringList sentenciasEsquema(Motor motor)
+{
+    QStringList sentencias;
+    for (const QString &t : tablasEsquema())
+        sentencias << sentenciaTabla(t, motor);
+    return sentencias + sentenciasIndices();
+}
+
+QStringList tablasEsquema()
+{
+    QStringList nombres;
+    for (const Tabla &t : kTablas)
+        nombres << QLatin1String(t.nombre);
+    return nombres;
+}
+
+void creaEsquema(const QSqlDatabase &db, Motor motor)
+{
+    for (const QString &sql : sentenciasEsquema(motor))
+        ejecuta(db, sql);
+}
+
+QString insertaSiFalta(Motor motor)
+{
+    return motor == Motor::SQLite ? QStringLiteral("INSERT OR IGNORE INTO")
+                                  : QStringLiteral("INSERT IGNORE INTO");
+}
+
+void insertaFilasBase(const QSqlDatabase &db, Motor motor)
+{
+    const QString inserta = insertaSiFalta(motor);
+    for (const auto &[numero, texto] : catalogoMensajes()) {
+        const QString sql = inserta + QStringLiteral(" mensajes (numero, texto) VALUES (?, ?)");
+        ejecutaConValores(db, sql, {numero, texto});
+    }
+    // The station a fresh installation runs as: the first warehouse, no
+    // barcode reader.
+    ejecuta(db,
+            inserta + QStringLiteral(" estaciones (estacion, almacen, lector) VALUES ('1', 1, 0)"));
+    ejecutaConValores(db, inserta + QStringLiteral(" versionbase (clave, version) VALUES (1, ?)"),
+                      {kVersionEsquema});
+}
+
+} // namespace zuvi::anfitrion

@@ -1,0 +1,79 @@
+#pragma once
+
+// The database the host owns: every table the module reads and writes, the
+// host's own tables, the base rows and the demo data, for SQLite and MariaDB.
+// Everything here is idempotent: tables are created when missing and rows
+// are inserted only when their key is not there yet.
+
+#include "host/base/Anfitrion.h"
+
+#include <QList>
+#include <QPair>
+#include <QSqlDatabase>
+#include <QStringList>
+
+#include <optional>
+
+namespace zuvi::anfitrion {
+
+// The version of the schema this program creates. A database without a
+// version row is of version 1. Each version up adds one step to the upgrade
+// (host/base/Actualizacion.cpp).
+constexpr int kVersionEsquema = 2;
+
+// A named check of a text column: its length, or (for a key the module
+// writes between quotes) that it holds no quote.
+struct Restriccion
+{
+    QString nombre; // "tabla_columna_largo" or "tabla_columna_comilla"
+    QString tabla, columna;
+    int largo = 0;     // the column's length in characters
+    QString condicion; // what every row satisfies, in the engine's SQL
+    bool comilla = false;
+};
+
+// The checks of one table, as the engine writes them.
+QList<Restriccion> restriccionesDe(const QString &tabla, Motor motor);
+
+// The check of that name, whichever its table; none when it is not ours.
+std::optional<Restriccion> restriccionLlamada(const QString &nombre);
+
+// The length of a text column of the schema; 0 when it is not one.
+int largoColumna(const QString &tabla, const QString &columna);
+
+// The CREATE TABLE of one table of the schema, under another name when given.
+QString sentenciaTabla(const QString &tabla, Motor motor, const QString &nombreNuevo = {});
+QStringList sentenciasIndices();
+
+// The CREATE TABLE / CREATE INDEX statements for one engine, in order.
+QStringList sentenciasEsquema(Motor motor);
+
+// The names of every table the schema creates.
+QStringList tablasEsquema();
+
+void creaEsquema(const QSqlDatabase &db, Motor motor);
+
+// The version of the schema the database holds: 0 when it holds none of the
+// host's tables, 1 when it has them but no version row.
+int versionDe(const QSqlDatabase &db);
+
+// Brings a database of an older version up to kVersionEsquema, one step at a
+// time, each in a transaction of its own, then creates any table of the
+// schema it lacks. Throws Error (nothing of the failed step kept) when a row
+// does not fit the new schema, naming the rows to fix.
+void actualizaEsquema(const QSqlDatabase &db, Motor motor);
+
+// Message catalogue and the default station.
+void insertaFilasBase(const QSqlDatabase &db, Motor motor);
+
+// The shop the demo database shows (described in host/base/Demo.cpp).
+void insertaDemo(const QSqlDatabase &db, Motor motor);
+
+// The text of the message catalogue: number and Spanish text.
+const QList<QPair<int, QString>> &catalogoMensajes();
+
+// "INSERT OR IGNORE INTO" or "INSERT IGNORE INTO": an insert that keeps a row
+// already there with the same key.
+QString insertaSiFalta(Motor motor);
+
+} // namespace zuvi::anfitrion

@@ -2,10 +2,12 @@
 
 #include "app/Componente.h"
 #include "app/Lotes.h"
+#include "host/base/Direccion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/reportes/Reportes.h"
 #include "host/reportes/RolMes.h"
 #include "host/servicios/Comprobaciones.h"
+#include "host/servicios/Registro.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
 #include "runtime/Text.h"

@@ -3,7 +3,7 @@
 // What the command line asked for. Options may come before or after the
 // sub-command; everything that is not an option is a positional argument.
 
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 
 #include <QString>
 #include <QStringList>

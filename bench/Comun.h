@@ -7,8 +7,9 @@
 
 #include "bench/Silencio.h"
 #include "component/Modulo.h"
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
+#include "host/servicios/Registro.h"
 #include "runtime/Error.h"
 
 #include <QApplication>

@@ -22,8 +22,9 @@
 #include "bench/Silencio.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
+#include "host/servicios/Registro.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 

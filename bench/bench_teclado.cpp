@@ -14,7 +14,7 @@
 #include "bench/Comun.h"
 #include "component/Modulo.h"
 #include "component/Produccion.h"
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "orders/frmOp.h"
 #include "runtime/Error.h"

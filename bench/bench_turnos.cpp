@@ -17,8 +17,10 @@
 
 #include "bench/Silencio.h"
 #include "component/Modulo.h"
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
+#include "host/procesos/Procesos.h"
+#include "host/servicios/Registro.h"
 #include "runtime/Error.h"
 #include "shifts/frmTurno.h"
 

@@ -5,7 +5,7 @@
 
 #include "Entrada.h"
 #include "Exige.h"
-#include "host/base/Anfitrion.h"
+#include "host/base/Direccion.h"
 #include "host/base/Rutas.h"
 #include "runtime/Error.h"
 

@@ -6,7 +6,7 @@
 
 #include "Entrada.h"
 #include "Exige.h"
-#include "host/base/Anfitrion.h"
+#include "host/sql/Motor.h"
 #include "host/sql/SqlInterno.h"
 
 #include <sqlite3.h>

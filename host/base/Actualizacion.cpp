@@ -4,7 +4,8 @@
 // there a step is made safe to run again instead: a table is rebuilt beside
 // the old one and swapped in under its name in one RENAME.
 
-#include "host/base/Anfitrion.h"
+#include "host/base/Actualizacion.h"
+
 #include "host/base/Esquema.h"
 #include "host/sql/CausaError.h"
 #include "host/sql/Sql.h"

@@ -34,6 +34,7 @@
 //   2 "CO" for warehouse 3: 5 PAQ-TORN, automatico 1;
 //   3 "PE" for warehouse 2 without lines.
 
+#include "host/base/Demo.h"
 #include "host/base/Esquema.h"
 #include "host/sql/Sql.h"
 

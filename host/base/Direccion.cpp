@@ -1,6 +1,6 @@
 // Reading a --base value: a MariaDB URL or the path of a SQLite file.
 
-#include "host/base/Anfitrion.h"
+#include "host/base/Direccion.h"
 #include "host/base/Rutas.h"
 #include "runtime/Error.h"
 #include "runtime/Text.h"

@@ -1,4 +1,5 @@
 #include "host/base/Esquema.h"
+#include "host/base/Mensajes.h"
 
 #include "host/sql/Sql.h"
 
@@ -157,6 +158,13 @@ const char *const kIndices[] = {
     "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
 };
 
+// The first capture of a pattern in the text, or empty.
+QString primeraCaptura(const QString &texto, const char *patron)
+{
+    const QRegularExpression r(QLatin1String(patron), QRegularExpression::CaseInsensitiveOption);
+    return r.match(texto).captured(1);
+}
+
 const QRegularExpression &columnaTexto()
 {
     static const QRegularExpression r(QStringLiteral("(\\w+) @([TK])\\((\\d+)\\)"));
@@ -281,6 +289,27 @@ void creaEsquema(const QSqlDatabase &db, Motor motor)
 {
     for (const QString &sql : sentenciasEsquema(motor))
         ejecuta(db, sql);
+}
+
+QString causaDeRestriccion(const QString &texto)
+{
+    // SQLite: "CHECK constraint failed: nombre"; MariaDB: "CONSTRAINT `nombre` failed for ...".
+    QString nombre = primeraCaptura(texto, "CHECK constraint failed: *(\\w+)");
+    const bool mariadb = nombre.isEmpty();
+    if (mariadb)
+        nombre = primeraCaptura(texto, "CONSTRAINT `(\\w+)` failed");
+    const std::optional<Restriccion> r = restriccionLlamada(nombre);
+    if (!r)
+        return {};
+    if (r->comilla)
+        return QStringLiteral("la clave de la columna %1 de la tabla %2 no puede llevar comillas "
+                              "(')%3; quítelas de la clave")
+            .arg(r->columna, r->tabla,
+                 mariadb ? QStringLiteral(" ni barras invertidas (\\)") : QString());
+    return QStringLiteral("el texto es demasiado largo para la columna %1 de la tabla %2, que "
+                          "admite a lo más %3 caracteres")
+        .arg(r->columna, r->tabla)
+        .arg(r->largo);
 }
 
 QString insertaSiFalta(Motor motor)

@@ -1,14 +1,13 @@
 #pragma once
 
 // The database the host owns: every table the module reads and writes, the
-// host's own tables, the base rows and the demo data, for SQLite and MariaDB.
+// host's own tables and the base rows, for SQLite and MariaDB.
 // Everything here is idempotent: tables are created when missing and rows
 // are inserted only when their key is not there yet.
 
-#include "host/base/Anfitrion.h"
+#include "host/sql/Motor.h"
 
 #include <QList>
-#include <QPair>
 #include <QSqlDatabase>
 #include <QStringList>
 
@@ -18,7 +17,7 @@ namespace zuvi::anfitrion {
 
 // The version of the schema this program creates. A database without a
 // version row is of version 1. Each version up adds one step to the upgrade
-// (host/base/Actualizacion.cpp).
+// (host/base/Actualizacion.h).
 constexpr int kVersionEsquema = 2;
 
 // A named check of a text column: its length, or (for a key the module
@@ -38,6 +37,10 @@ QList<Restriccion> restriccionesDe(const QString &tabla, Motor motor);
 // The check of that name, whichever its table; none when it is not ours.
 std::optional<Restriccion> restriccionLlamada(const QString &nombre);
 
+// The message of one of the schema's named checks (a key with a quote, a text
+// too long for its column) when the text is its refusal; empty otherwise.
+QString causaDeRestriccion(const QString &texto);
+
 // The length of a text column of the schema; 0 when it is not one.
 int largoColumna(const QString &tabla, const QString &columna);
 
@@ -53,24 +56,8 @@ QStringList tablasEsquema();
 
 void creaEsquema(const QSqlDatabase &db, Motor motor);
 
-// The version of the schema the database holds: 0 when it holds none of the
-// host's tables, 1 when it has them but no version row.
-int versionDe(const QSqlDatabase &db);
-
-// Brings a database of an older version up to kVersionEsquema, one step at a
-// time, each in a transaction of its own, then creates any table of the
-// schema it lacks. Throws Error (nothing of the failed step kept) when a row
-// does not fit the new schema, naming the rows to fix.
-void actualizaEsquema(const QSqlDatabase &db, Motor motor);
-
 // Message catalogue and the default station.
 void insertaFilasBase(const QSqlDatabase &db, Motor motor);
-
-// The shop the demo database shows (described in host/base/Demo.cpp).
-void insertaDemo(const QSqlDatabase &db, Motor motor);
-
-// The text of the message catalogue: number and Spanish text.
-const QList<QPair<int, QString>> &catalogoMensajes();
 
 // "INSERT OR IGNORE INTO" or "INSERT IGNORE INTO": an insert that keeps a row
 // already there with the same key.

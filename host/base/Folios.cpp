@@ -1,6 +1,6 @@
 #include "host/base/Folios.h"
 
-#include "host/base/Anfitrion.h"
+#include "host/sql/Motor.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 

@@ -1,4 +1,4 @@
-#include "host/base/Esquema.h"
+#include "host/base/Mensajes.h"
 
 namespace zuvi::anfitrion {
 

@@ -1,5 +1,7 @@
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 
+#include "host/base/Actualizacion.h"
+#include "host/base/Demo.h"
 #include "host/base/Esquema.h"
 #include "host/base/Rutas.h"
 #include "host/servicios/AmbienteAnfitrion.h"
@@ -241,6 +243,9 @@ void exigeLargo(const QString &valor, const QString &tabla, const QString &colum
 
 std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
 {
+    // The statement path says a refusal by one of the schema's checks in
+    // the schema's words.
+    ponExplicaRestriccion(causaDeRestriccion);
     const DestinoBase destino = DestinoBase::lee(opciones.base);
     exigeLargo(opciones.usuario, QStringLiteral("op"), QStringLiteral("usuario"),
                QStringLiteral("--usuario"));

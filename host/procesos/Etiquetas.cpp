@@ -5,7 +5,7 @@
 // opens in the print preview; otherwise it is written as a PDF in the reports
 // folder and the user is told where.
 
-#include "host/base/Anfitrion.h"
+#include "host/procesos/Etiquetas.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/reportes/Impresion.h"
 #include "host/reportes/Reportes.h"
@@ -162,8 +162,11 @@ void generaEtiquetas(ArgumentosProceso &a)
                               64);
 }
 
-const RegistroProceso registro("OP007", generaEtiquetas);
-
 } // namespace
+
+QList<ProcesoAnfitrion> procesosEtiquetas()
+{
+    return {{"OP007", generaEtiquetas}};
+}
 
 } // namespace zuvi::anfitrion

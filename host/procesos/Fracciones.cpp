@@ -3,7 +3,7 @@
 // article or a secondary key), shows the article with its stock and records
 // the capture in the table fracciones.
 
-#include "host/base/Anfitrion.h"
+#include "host/procesos/Fracciones.h"
 #include "host/servicios/AmbienteAnfitrion.h"
 #include "host/sql/Sql.h"
 
@@ -185,9 +185,11 @@ void captura(ArgumentosProceso &a)
         campo->clear();
 }
 
-const RegistroProceso registroBienvenida("FRACCIONES001", bienvenida);
-const RegistroProceso registroCaptura("FRACCIONES", captura);
-
 } // namespace
+
+QList<ProcesoAnfitrion> procesosFracciones()
+{
+    return {{"FRACCIONES001", bienvenida}, {"FRACCIONES", captura}};
+}
 
 } // namespace zuvi::anfitrion

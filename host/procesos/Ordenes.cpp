@@ -3,7 +3,7 @@
 // own for them and lets the editor go ahead; a shop that needs one replaces
 // the handler (ponManejadorProceso), as the tests do to refuse a step.
 
-#include "host/base/Anfitrion.h"
+#include "host/procesos/Ordenes.h"
 
 namespace zuvi::anfitrion {
 
@@ -14,10 +14,11 @@ void sigue(ArgumentosProceso &argumentos)
     argumentos.bandera = VFalse;
 }
 
-const RegistroProceso carga("Op001", sigue);
-const RegistroProceso partida("Op005", sigue);
-const RegistroProceso cierre("Op006", sigue);
-
 } // namespace
+
+QList<ProcesoAnfitrion> procesosOrdenes()
+{
+    return {{"Op001", sigue}, {"Op005", sigue}, {"Op006", sigue}};
+}
 
 } // namespace zuvi::anfitrion

@@ -6,8 +6,8 @@
 
 #include "host/procesos/Turnos.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/interaccion/Interaccion.h"
+#include "host/procesos/Procesos.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
@@ -169,8 +169,6 @@ void generaDesdeVentana(ArgumentosProceso &a)
     interaccion().mensaje(texto, 64);
 }
 
-const RegistroProceso registro("TURNOS003", generaDesdeVentana);
-
 } // namespace
 
 Periodo periodoHorarios(const QString &periodo, const QDate &fecha)
@@ -264,6 +262,11 @@ ResultadoHorarios generaHorarios(const QSqlDatabase &db, const QStringList &turn
     }
     transaccion.confirma();
     return r;
+}
+
+QList<ProcesoAnfitrion> procesosTurnos()
+{
+    return {{"TURNOS003", generaDesdeVentana}};
 }
 
 } // namespace zuvi::anfitrion

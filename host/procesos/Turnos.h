@@ -4,6 +4,8 @@
 // the shift catalogue window: for a shift (or every shift) and a period that
 // starts on the calendar's date, one horarios row per member and working day.
 
+#include "host/procesos/Procesos.h"
+
 #include <QDate>
 #include <QSqlDatabase>
 #include <QString>
@@ -43,5 +45,8 @@ struct ResultadoHorarios
 ResultadoHorarios
 generaHorarios(const QSqlDatabase &db, const QStringList &turnos, const Periodo &periodo,
                const std::function<void(int hecho, int total, int filas)> &avance = {});
+
+// The handler of "TURNOS003".
+QList<ProcesoAnfitrion> procesosTurnos();
 
 } // namespace zuvi::anfitrion

@@ -1,6 +1,5 @@
 #include "host/servicios/AccesoDatosAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/base/Folios.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/AmbienteAnfitrion.h"
@@ -19,8 +18,6 @@
 namespace zuvi::anfitrion {
 
 namespace {
-
-const RegistroClase registro("AccesoDatos", [] { return new AccesoDatosAnfitrion; });
 
 void exigeNombre(const QString &nombre, const QString &que)
 {

@@ -12,7 +12,7 @@
 // as the origin of the movements it posts.
 
 #include "contract/Servicios.h"
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
 
 #include <QDate>
 #include <QDateTime>

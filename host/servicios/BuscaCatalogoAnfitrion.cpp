@@ -1,6 +1,5 @@
 #include "host/servicios/BuscaCatalogoAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "runtime/Error.h"
 
 #include <QAbstractTableModel>
@@ -16,8 +15,6 @@
 namespace zuvi::anfitrion {
 
 namespace {
-
-const RegistroClase registro("BuscaCatalogo", [] { return new BuscaCatalogoAnfitrion; });
 
 bool esEnter(const QKeyEvent *tecla)
 {

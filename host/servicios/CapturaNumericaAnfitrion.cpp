@@ -1,6 +1,5 @@
 #include "host/servicios/CapturaNumericaAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/servicios/Filtros.h"
 #include "runtime/Error.h"
 
@@ -13,8 +12,6 @@
 namespace zuvi::anfitrion {
 
 namespace {
-
-const RegistroClase registro("CapturaNumerica", [] { return new CapturaNumericaAnfitrion; });
 
 constexpr int kMaximoDigitos = 15;
 const QChar kBorra = u'C';

@@ -1,6 +1,5 @@
 #include "host/servicios/ConstructorSqlAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
@@ -11,8 +10,6 @@
 namespace zuvi::anfitrion {
 
 namespace {
-
-const RegistroClase registro("ConstructorSql", [] { return new ConstructorSqlAnfitrion; });
 
 bool esNombre(const QString &nombre)
 {

@@ -1,19 +1,13 @@
 #include "host/servicios/ControlProcesosAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/interaccion/Interaccion.h"
+#include "host/procesos/Procesos.h"
 #include "host/reportes/Reportes.h"
 #include "runtime/Error.h"
 
 #include <QDir>
 
 namespace zuvi::anfitrion {
-
-namespace {
-
-const RegistroClase registro("ControlProcesos", [] { return new ControlProcesosAnfitrion; });
-
-} // namespace
 
 void ControlProcesosAnfitrion::IniciaProceso(ArgumentosProceso &argumentos)
 {

@@ -1,6 +1,5 @@
 #include "host/servicios/DocumentoInventarioAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 #include "runtime/Text.h"
@@ -14,9 +13,6 @@
 namespace zuvi::anfitrion {
 
 namespace {
-
-const RegistroClase registro("DocumentoInventario",
-                             [] { return new DocumentoInventarioAnfitrion; });
 
 const QString kInserta = QStringLiteral(
     "INSERT INTO movimientos (tipo, concepto, orden, folio, usuario, fecha, almacen, articulo, "

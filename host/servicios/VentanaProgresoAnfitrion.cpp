@@ -1,6 +1,5 @@
 #include "host/servicios/VentanaProgresoAnfitrion.h"
 
-#include "host/base/Anfitrion.h"
 #include "runtime/Error.h"
 #include "runtime/Recordset.h"
 
@@ -10,8 +9,6 @@
 namespace zuvi::anfitrion {
 
 namespace {
-
-const RegistroClase registro("VentanaProgreso", [] { return new VentanaProgresoAnfitrion; });
 
 int entero(const QVariant &v)
 {

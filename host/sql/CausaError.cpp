@@ -1,9 +1,10 @@
 #include "host/sql/CausaError.h"
 
-#include "host/base/Esquema.h"
 #include "runtime/Text.h"
 
 #include <QRegularExpression>
+
+#include <atomic>
 
 namespace zuvi::anfitrion {
 
@@ -23,32 +24,24 @@ QString extrae(const QString &texto, const char *patron)
 
 } // namespace
 
-QString causaDeRestriccion(const QString &texto)
+namespace {
+
+std::atomic<ExplicaRestriccion> explicaRestriccion{nullptr};
+
+} // namespace
+
+void ponExplicaRestriccion(ExplicaRestriccion explica)
 {
-    // SQLite: "CHECK constraint failed: nombre"; MariaDB: "CONSTRAINT `nombre` failed for ...".
-    QString nombre = extrae(texto, "CHECK constraint failed: *(\\w+)");
-    const bool mariadb = nombre.isEmpty();
-    if (mariadb)
-        nombre = extrae(texto, "CONSTRAINT `(\\w+)` failed");
-    const std::optional<Restriccion> r = restriccionLlamada(nombre);
-    if (!r)
-        return {};
-    if (r->comilla)
-        return QStringLiteral("la clave de la columna %1 de la tabla %2 no puede llevar comillas "
-                              "(')%3; quítelas de la clave")
-            .arg(r->columna, r->tabla,
-                 mariadb ? QStringLiteral(" ni barras invertidas (\\)") : QString());
-    return QStringLiteral("el texto es demasiado largo para la columna %1 de la tabla %2, que "
-                          "admite a lo más %3 caracteres")
-        .arg(r->columna, r->tabla)
-        .arg(r->largo);
+    explicaRestriccion.store(explica);
 }
 
 QString causaDeFallo(const QString &texto, int codigo)
 {
-    const QString restriccion = causaDeRestriccion(texto);
-    if (!restriccion.isEmpty())
-        return restriccion;
+    if (const ExplicaRestriccion explica = explicaRestriccion.load()) {
+        const QString restriccion = explica(texto);
+        if (!restriccion.isEmpty())
+            return restriccion;
+    }
     // SQLite's primary code is the low byte of its extended one; MariaDB's
     // numbers start at 1000, so the texts tell the engines apart first.
     const int sqlite = codigo & 0xff;

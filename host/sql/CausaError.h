@@ -13,8 +13,11 @@ namespace zuvi::anfitrion {
 // not know keeps the engine's text, introduced in Spanish.
 QString causaDeFallo(const QString &texto, int codigo);
 
-// The message of one of the schema's named checks (a key with a quote, a text
-// too long for its column) when the text is its refusal; empty otherwise.
-QString causaDeRestriccion(const QString &texto);
+// What a refusal by one of the schema's named checks (a key with a quote, a
+// text too long for its column) means, in Spanish; empty when the text is
+// not one. The checks are the schema's (host/base/Esquema.h): a session hands
+// in their explanation when it opens, and causaDeFallo asks it first.
+using ExplicaRestriccion = QString (*)(const QString &texto);
+void ponExplicaRestriccion(ExplicaRestriccion explica);
 
 } // namespace zuvi::anfitrion

@@ -1,7 +1,7 @@
 #include "host/sql/Sql.h"
 
-#include "host/base/Anfitrion.h"
 #include "host/sql/CausaError.h"
+#include "host/sql/Motor.h"
 #include "host/sql/SqlInterno.h"
 #include "runtime/Error.h"
 

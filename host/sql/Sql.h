@@ -5,6 +5,7 @@
 // is refused on every engine), failures raised as Error with the driver's
 // text, and each statement appended to the trace file when tracing is on.
 
+#include "host/sql/Motor.h"
 #include "runtime/Recordset.h"
 
 #include <QSqlDatabase>
@@ -13,8 +14,6 @@
 #include <QVariantList>
 
 namespace zuvi::anfitrion {
-
-enum class Motor; // host/base/Anfitrion.h
 
 // Runs a statement text as the component handed it over.
 QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql);

@@ -62,6 +62,14 @@ struct Normalizacion
     QStringView vista() const { return QStringView(texto.data(), qsizetype(texto.size())); }
 };
 
+// The slot of Normalizacion::moldes where the mould of a text is kept, by
+// the text's first characters (host/sql/SqlMolde.cpp).
+size_t ranura(const char16_t *s, qsizetype n);
+
+// The literals of a text that is the mould's text around other literals of
+// the same kinds; false when it is not.
+bool encaja(const Molde &m, const char16_t *s, qsizetype n, Motor motor, Literales &literales);
+
 // Scans sql into n; false when the text must run as it is (see
 // normalizaSentencia). The literals point into sql. A text that fits a
 // mould kept in n (the same text around literals of the same kinds) is read

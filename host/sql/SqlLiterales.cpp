@@ -4,25 +4,25 @@
 // by character, and gives up (the text then runs as it is) on anything it
 // does not fully understand.
 
-#include "host/base/Anfitrion.h"
 #include "host/sql/Sql.h"
+#include "host/sql/SqlCaracteres.h"
 #include "host/sql/SqlInterno.h"
 
-#include <QDate>
-#include <QDateTime>
-#include <QTime>
 #include <QVarLengthArray>
-
-#include <algorithm>
-#include <array>
-#include <cstring>
-#include <string_view>
 
 namespace zuvi::anfitrion {
 
+using interno::Clave;
+using interno::digitosSignificativos;
+using interno::esBlanco;
+using interno::esDeNombre;
+using interno::esDigito;
+using interno::esLetra;
 using interno::Literal;
 using interno::Literales;
 using interno::Normalizacion;
+using interno::Palabra;
+using interno::palabraClave;
 
 namespace {
 
@@ -35,145 +35,6 @@ struct Nivel
     Clausula clausula = Clausula::Otra;
     bool patron = false; // after LIKE and its kin, until the next AND, OR or ','
 };
-
-// What an ASCII character is to the scanner, looked up in one table.
-enum : quint8 { kBlanco = 1, kInicial = 2, kDeNombre = 4, kDigito = 8 };
-
-constexpr std::array<quint8, 128> kClases = [] {
-    std::array<quint8, 128> t{};
-    for (char16_t c = 0; c < 128; ++c) {
-        const bool letra = (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || c == u'_';
-        const bool digito = c >= u'0' && c <= u'9';
-        t[c] = quint8((c == u' ' || (c >= u'\t' && c <= u'\r') ? kBlanco : 0) |
-                      (letra ? kInicial : 0) | (letra || digito || c == u'$' ? kDeNombre : 0) |
-                      (digito ? kDigito : 0));
-    }
-    return t;
-}();
-
-[[gnu::noinline]] bool esOtraLetra(char16_t u, bool numero)
-{
-    return numero ? QChar(u).isLetterOrNumber() : QChar(u).isLetter();
-}
-
-inline bool esLetra(char16_t u)
-{
-    return u < 128 ? (kClases[u] & kInicial) != 0 : esOtraLetra(u, false);
-}
-
-inline bool esDeNombre(char16_t u)
-{
-    return u < 128 ? (kClases[u] & kDeNombre) != 0 : esOtraLetra(u, true);
-}
-
-inline bool esDigito(char16_t u)
-{
-    return u >= u'0' && u <= u'9';
-}
-
-inline bool esBlanco(char16_t u)
-{
-    return u < 128 ? (kClases[u] & kBlanco) != 0 : QChar::isSpace(u);
-}
-
-// What a word of the statement does to the scan.
-enum class Clave {
-    Condicion,  // WHERE
-    Asignacion, // SET
-    Valores,    // VALUES
-    Otra,       // a clause where literals stay: SELECT, FROM, ORDER, ... and AS
-    Patron,     // LIKE and its kin: the pattern stays
-    Conector,   // AND, OR, WHEN, ...: ends a pattern
-    NoSubir,    // the literal after it stays: INTERVAL 5 DAY, DATE '2024-01-01'
-    Tipo,       // a type whose sizes follow: DECIMAL(10, 2)
-};
-
-struct Palabra
-{
-    std::string_view texto;
-    Clave clave;
-    bool inicia; // a statement the scanner follows starts with it
-};
-
-constexpr Palabra kPalabras[] = {
-    {"WHERE", Clave::Condicion, false},   {"SET", Clave::Asignacion, false},
-    {"VALUES", Clave::Valores, false},    {"VALUE", Clave::Valores, false},
-    {"SELECT", Clave::Otra, true},        {"INSERT", Clave::Otra, true},
-    {"UPDATE", Clave::Otra, true},        {"DELETE", Clave::Otra, true},
-    {"REPLACE", Clave::Otra, true},       {"FROM", Clave::Otra, false},
-    {"JOIN", Clave::Otra, false},         {"ON", Clave::Otra, false},
-    {"USING", Clave::Otra, false},        {"INTO", Clave::Otra, false},
-    {"GROUP", Clave::Otra, false},        {"ORDER", Clave::Otra, false},
-    {"HAVING", Clave::Otra, false},       {"LIMIT", Clave::Otra, false},
-    {"OFFSET", Clave::Otra, false},       {"UNION", Clave::Otra, false},
-    {"EXCEPT", Clave::Otra, false},       {"INTERSECT", Clave::Otra, false},
-    {"RETURNING", Clave::Otra, false},    {"WINDOW", Clave::Otra, false},
-    {"OVER", Clave::Otra, false},         {"AS", Clave::Otra, false},
-    {"PARTITION", Clave::Otra, false},    {"LIKE", Clave::Patron, false},
-    {"GLOB", Clave::Patron, false},       {"REGEXP", Clave::Patron, false},
-    {"RLIKE", Clave::Patron, false},      {"MATCH", Clave::Patron, false},
-    {"ESCAPE", Clave::Patron, false},     {"AND", Clave::Conector, false},
-    {"OR", Clave::Conector, false},       {"WHEN", Clave::Conector, false},
-    {"THEN", Clave::Conector, false},     {"ELSE", Clave::Conector, false},
-    {"END", Clave::Conector, false},      {"INTERVAL", Clave::NoSubir, false},
-    {"DATE", Clave::NoSubir, false},      {"TIME", Clave::NoSubir, false},
-    {"TIMESTAMP", Clave::NoSubir, false}, {"SEPARATOR", Clave::NoSubir, false},
-    {"DECIMAL", Clave::Tipo, false},      {"DEC", Clave::Tipo, false},
-    {"NUMERIC", Clave::Tipo, false},      {"CHAR", Clave::Tipo, false},
-    {"VARCHAR", Clave::Tipo, false},      {"FLOAT", Clave::Tipo, false},
-    {"DOUBLE", Clave::Tipo, false},       {"BINARY", Clave::Tipo, false},
-};
-
-// The word in capitals, looked up without building a string.
-const Palabra *palabraClave(const char16_t *p, qsizetype n)
-{
-    constexpr qsizetype kMasLarga = 9;
-    if (n < 2 || n > kMasLarga)
-        return nullptr;
-    char mayusculas[kMasLarga];
-    for (qsizetype i = 0; i < n; ++i) {
-        const char16_t c = p[i];
-        if (c >= u'a' && c <= u'z')
-            mayusculas[i] = char(c - u'a' + 'A');
-        else if (c < 128)
-            mayusculas[i] = char(c);
-        else
-            return nullptr;
-    }
-    if (mayusculas[0] < 'A' || mayusculas[0] > 'Z')
-        return nullptr;
-    // The words by their first letter, so that a lookup compares a few.
-    static const auto porLetra = [] {
-        std::array<QVarLengthArray<const Palabra *, 8>, 26> tabla;
-        for (const Palabra &k : kPalabras)
-            tabla[size_t(k.texto[0] - 'A')].append(&k);
-        return tabla;
-    }();
-    const std::string_view w(mayusculas, size_t(n));
-    for (const Palabra *k : porLetra[size_t(mayusculas[0] - 'A')]) {
-        if (k->texto == w)
-            return k;
-    }
-    return nullptr;
-}
-
-// How many significant digits a decimal literal carries.
-int digitosSignificativos(QStringView numero)
-{
-    int n = 0;
-    bool inicio = true;
-    for (const QChar c : numero) {
-        if (c == QLatin1Char('e') || c == QLatin1Char('E'))
-            break;
-        if (!esDigito(c.unicode()))
-            continue;
-        if (inicio && c == QLatin1Char('0'))
-            continue;
-        inicio = false;
-        ++n;
-    }
-    return n;
-}
 
 // The scan itself: one pass over the UTF-16 text, the output written into
 // the caller's buffer and the literals kept as views of the text.
@@ -468,179 +329,7 @@ private:
 
 } // namespace
 
-QString literalSql(const QVariant &v, Motor motor)
-{
-    if (!v.isValid() || v.isNull())
-        return QStringLiteral("NULL");
-    const auto citado = [](const QString &t) { return QLatin1Char('\'') + t + QLatin1Char('\''); };
-    switch (v.typeId()) {
-    case QMetaType::Bool:
-        return v.toBool() ? QStringLiteral("1") : QStringLiteral("0");
-    case QMetaType::Double:
-    case QMetaType::Float:
-        return QString::number(v.toDouble(), 'g', 15);
-    case QMetaType::Short:
-    case QMetaType::UShort:
-    case QMetaType::Int:
-    case QMetaType::UInt:
-    case QMetaType::Long:
-    case QMetaType::ULong:
-    case QMetaType::LongLong:
-    case QMetaType::ULongLong:
-    case QMetaType::Char:
-    case QMetaType::SChar:
-    case QMetaType::UChar:
-        return v.toString();
-    case QMetaType::QDate:
-        return citado(v.toDate().toString(QStringLiteral("yyyy-MM-dd")));
-    case QMetaType::QTime:
-        return citado(v.toTime().toString(QStringLiteral("hh:mm:ss")));
-    case QMetaType::QDateTime:
-        return citado(v.toDateTime().toString(QStringLiteral("yyyy-MM-dd hh:mm:ss")));
-    default: {
-        QString t = v.toString();
-        t.replace(QLatin1Char('\''), QStringLiteral("''"));
-        return citado(t);
-    }
-    }
-}
-
-QString textoConValores(const QString &sql, const QVariantList &valores, Motor motor)
-{
-    QString texto;
-    texto.reserve(sql.size() + 16 * valores.size());
-    qsizetype siguiente = 0;
-    QChar comilla;
-    for (const QChar c : sql) {
-        if (!comilla.isNull()) {
-            if (c == comilla)
-                comilla = QChar();
-        } else if (c == QLatin1Char('\'') || c == QLatin1Char('"')) {
-            comilla = c;
-        } else if (c == QLatin1Char('?') && siguiente < valores.size()) {
-            texto += literalSql(valores.at(siguiente++), motor);
-            continue;
-        }
-        texto += c;
-    }
-    return texto;
-}
-
 namespace interno {
-
-namespace {
-
-// The mould's slot of a text: its first characters, which the texts of one
-// statement share up to their first literal.
-size_t ranura(const char16_t *s, qsizetype n)
-{
-    constexpr qsizetype kPrefijo = 32;
-    quint64 h = 0x9e3779b97f4a7c15ULL;
-    for (qsizetype i = 0; i < std::min(n, kPrefijo); ++i)
-        h = (h ^ s[i]) * 0xff51afd7ed558ccdULL;
-    return size_t(h >> 40) % std::tuple_size_v<decltype(Normalizacion::moldes)>;
-}
-
-bool igual(const char16_t *a, const char16_t *b, qsizetype n)
-{
-    return std::memcmp(a, b, size_t(n) * sizeof(char16_t)) == 0;
-}
-
-// A quoted text at i, read as the scanner reads it; its end, or -1.
-qsizetype finDeTexto(const char16_t *s, qsizetype n, qsizetype i, Motor motor, bool &dobles)
-{
-    if (i >= n || s[i] != u'\'')
-        return -1;
-    for (++i; i < n; ++i) {
-        if (s[i] == u'\\' && motor == Motor::MariaDB)
-            return -1;
-        if (s[i] != u'\'')
-            continue;
-        if (i + 1 < n && s[i + 1] == u'\'') {
-            dobles = true;
-            ++i;
-            continue;
-        }
-        return i + 1;
-    }
-    return -1;
-}
-
-// A number at i of the kind the mould had there, read as the scanner reads
-// it and only when the scanner would take it out too; its end, or -1.
-qsizetype finDeNumero(const char16_t *s, qsizetype n, qsizetype i, Literal &l)
-{
-    const qsizetype desde = i;
-    qint64 entero = 0;
-    for (; i < n && esDigito(s[i]); ++i)
-        if (i - desde < 18) // longer is refused below, and would overflow
-            entero = entero * 10 + (s[i] - u'0');
-    if (i == desde)
-        return -1;
-    const bool decimal = i < n && (s[i] == u'.' || s[i] == u'e' || s[i] == u'E');
-    if (l.tipo == Literal::Tipo::Entero) {
-        if (decimal || i - desde > 18)
-            return -1;
-        l.entero = entero;
-        return i;
-    }
-    if (!decimal)
-        return -1; // a whole number: the scanner takes it as one
-    if (i < n && s[i] == u'.') {
-        ++i;
-        while (i < n && esDigito(s[i]))
-            ++i;
-    }
-    if (i < n && (s[i] == u'e' || s[i] == u'E')) {
-        ++i;
-        if (i < n && (s[i] == u'+' || s[i] == u'-'))
-            ++i;
-        if (i >= n || !esDigito(s[i]))
-            return -1;
-        while (i < n && esDigito(s[i]))
-            ++i;
-    }
-    const QStringView texto(s + desde, i - desde);
-    bool ok = false;
-    if (digitosSignificativos(texto) <= 15)
-        l.real = texto.toDouble(&ok);
-    return ok ? i : -1;
-}
-
-// The literals of a text that is the mould's text around other literals of
-// the same kinds; false when it is not.
-bool encaja(const Molde &m, const char16_t *s, qsizetype n, Motor motor, Literales &literales)
-{
-    if (m.original.isNull() || m.motor != motor)
-        return false;
-    const char16_t *o = reinterpret_cast<const char16_t *>(m.original.constData());
-    qsizetype io = 0, is = 0;
-    for (const Molde::Hueco &h : m.huecos) {
-        const qsizetype tramo = h.desde - io;
-        if (is + tramo > n || !igual(s + is, o + io, tramo))
-            return false;
-        is += tramo;
-        io = h.hasta;
-        Literal l;
-        l.tipo = h.tipo;
-        l.desde = is;
-        if (h.tipo == Literal::Tipo::Texto) {
-            l.hasta = finDeTexto(s, n, is, motor, l.comillaDoble);
-            if (l.hasta >= 0)
-                l.texto = QStringView(s + is + 1, l.hasta - is - 2);
-        } else {
-            l.hasta = finDeNumero(s, n, is, l);
-        }
-        if (l.hasta < 0)
-            return false;
-        is = l.hasta;
-        literales.append(l);
-    }
-    const qsizetype resto = m.original.size() - io;
-    return n - is == resto && igual(s + is, o + io, resto);
-}
-
-} // namespace
 
 bool normaliza(const QString &sql, Motor motor, Normalizacion &n)
 {

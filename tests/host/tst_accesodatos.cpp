@@ -1,6 +1,7 @@
 // The host's data-access object, on SQLite and MariaDB.
 
 #include "host/base/Esquema.h"
+#include "host/base/Mensajes.h"
 #include "host/servicios/AccesoDatosAnfitrion.h"
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"

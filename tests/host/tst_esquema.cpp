@@ -1,5 +1,6 @@
 // Runs on SQLite and again on the MariaDB test server.
 
+#include "host/base/Actualizacion.h"
 #include "host/base/Esquema.h"
 #include "host/servicios/ConstructorSqlAnfitrion.h"
 #include "host/sql/Sql.h"

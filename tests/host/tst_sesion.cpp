@@ -1,8 +1,9 @@
 // The session: where --base points, opening or creating the database, its environment.
 
-#include "host/base/Anfitrion.h"
+#include "host/base/Direccion.h"
 #include "host/base/Esquema.h"
 #include "host/base/Rutas.h"
+#include "host/base/Sesion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 

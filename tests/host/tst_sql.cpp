@@ -1,7 +1,7 @@
 // The statement path: the literal scanner, the kept statements and the trace,
 // on SQLite and MariaDB.
 
-#include "host/base/Anfitrion.h"
+#include "host/sql/Motor.h"
 #include "host/sql/Sql.h"
 #include "host/sql/SqlInterno.h"
 #include "runtime/Error.h"

@@ -2,7 +2,7 @@
 // writes, the question and the messages, progress on long runs, and a
 // failure that leaves nothing. Runs on SQLite and again on MariaDB.
 
-#include "host/base/Anfitrion.h"
+#include "host/procesos/Procesos.h"
 #include "host/procesos/Turnos.h"
 #include "host/reportes/RolMes.h"
 #include "host/sql/Sql.h"

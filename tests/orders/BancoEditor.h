@@ -8,7 +8,7 @@
 #include "component/Modulo.h"
 #include "component/Produccion.h"
 #include "controls/Rejilla.h"
-#include "host/base/Anfitrion.h"
+#include "host/procesos/Procesos.h"
 #include "host/reportes/Reportes.h"
 #include "host/servicios/AmbienteAnfitrion.h"
 #include "host/sql/Sql.h"

@@ -5,7 +5,9 @@
 // server, a database with a unique name there, dropped by the destructor.
 // It carries the host's schema and base rows, and the demo data when asked.
 
-#include "host/base/Anfitrion.h"
+#include "host/base/Sesion.h"
+#include "host/procesos/Procesos.h"
+#include "host/servicios/Registro.h"
 
 #include <QDateTime>
 #include <QSqlDatabase>

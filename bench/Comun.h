@@ -6,7 +6,7 @@
 // run between two timed passes, and the frame of their main().
 
 #include "bench/Silencio.h"
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "host/Anfitrion.h"
 #include "host/Interaccion.h"
 #include "runtime/Error.h"

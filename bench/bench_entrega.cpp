@@ -20,8 +20,8 @@
 //   --toggle-collect='*entregaConComponente*' or --toggle-collect='*Bare::entrega*'
 
 #include "bench/Silencio.h"
-#include "component/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "host/Anfitrion.h"
 #include "host/Interaccion.h"
 #include "host/Sql.h"

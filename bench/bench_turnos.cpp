@@ -16,7 +16,7 @@
 // Usage: bench_turnos [runs=5] [folder for the database files]
 
 #include "bench/Silencio.h"
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "host/Anfitrion.h"
 #include "host/Interaccion.h"
 #include "runtime/Error.h"

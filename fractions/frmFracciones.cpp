@@ -1,7 +1,7 @@
 #include "fractions/frmFracciones.h"
 
-#include "component/Modulo.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 
 #include <QLineEdit>

@@ -4,7 +4,7 @@
 // exactly as they are sent: numbers in decimal, keys between single quotes,
 // nothing escaped.
 
-#include "component/Export.h"
+#include "core/Exporta.h"
 
 #include <QString>
 

@@ -1,10 +1,10 @@
 #include "orders/frmOp.h"
 #include "ui_frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/MultiCombo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 #include "runtime/Text.h"
 

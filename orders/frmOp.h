@@ -7,9 +7,9 @@
 // frmOp_Comandos.cpp buttons and printing; frmOp_Campos.cpp the header
 // fields' events and lookups; frmOp_Rejilla.cpp editing the grid in place.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 #include <QTimer>

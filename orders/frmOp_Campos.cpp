@@ -5,9 +5,9 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/MultiCombo.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 
 #include <QCheckBox>

@@ -2,8 +2,8 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/Rejilla.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 
 #include <QCheckBox>

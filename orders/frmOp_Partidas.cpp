@@ -3,9 +3,9 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 #include "runtime/Text.h"
 

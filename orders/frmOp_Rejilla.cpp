@@ -4,9 +4,9 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 
 #include <QCheckBox>
 #include <QLineEdit>

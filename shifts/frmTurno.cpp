@@ -1,6 +1,6 @@
 #include "shifts/frmTurno.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 #include "shifts/SentenciasTurnos.h"
 #include "ui_frmTurno.h"

@@ -6,10 +6,10 @@
 // "&Aceptar" saves. The opener sets Ambiente, Modo and, to modify, Turno,
 // then shows it modally.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Lista.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 

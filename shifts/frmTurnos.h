@@ -5,10 +5,10 @@
 // generation, which the host's process control runs under "TURNOS003"
 // reading Combo1, MonthView1 and lv(0) from this window.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Lista.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 

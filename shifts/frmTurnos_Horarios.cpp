@@ -3,7 +3,7 @@
 
 #include "shifts/frmTurnos.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 #include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"

@@ -185,7 +185,7 @@ void frmOp::Form_KeyDown(qint16 &KeyCode, qint16 Shift)
             Check4->setChecked(false);
         } else {
             Check4->setChecked(true);
-            enfoca(4);
+            enfoca(Campo::Articulo);
         }
         break;
     case teclas::F6:

@@ -29,6 +29,11 @@ public:
     QString Codigo;
     QString Estado;
 
+    // Its one field, the code read or typed; the value is the index.
+    struct Campo
+    {
+        enum : int { Codigo };
+    };
     ArregloControles<QLineEdit> txtFields;
     QTextBrowser *wb = nullptr;
 

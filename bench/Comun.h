@@ -6,7 +6,7 @@
 // run between two timed passes, and the frame of their main().
 
 #include "bench/Silencio.h"
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/Registro.h"

@@ -8,7 +8,7 @@
 // Usage: bench_editor [runs=50] [folder for the database file]
 
 #include "bench/Comun.h"
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "component/Produccion.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"

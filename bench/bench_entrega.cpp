@@ -20,7 +20,7 @@
 //   --toggle-collect='*entregaConComponente*' or --toggle-collect='*Bare::entrega*'
 
 #include "bench/Silencio.h"
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "component/Produccion.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"

@@ -16,7 +16,7 @@
 // Usage: bench_turnos [runs=5] [folder for the database files]
 
 #include "bench/Silencio.h"
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/procesos/Procesos.h"

@@ -1,7 +1,7 @@
 // Opening an order in the editor: new, to change, to view.
 
-#include "component/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 #include "orders/frmOp.h"
 

@@ -1,6 +1,6 @@
 #include "component/Lote.h"
-#include "component/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 
 namespace zuvi {
 

@@ -1,6 +1,6 @@
 #include "component/Lote.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Error.h"
 
 #include <cmath>

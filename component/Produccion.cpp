@@ -1,6 +1,6 @@
 #include "component/Produccion.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Error.h"
 
 namespace zuvi {

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "component/Export.h"
 #include "contract/InterfazProduccion.h"
+#include "core/Exporta.h"
 
 #include <QObject>
 #include <QPointer>

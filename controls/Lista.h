@@ -10,7 +10,7 @@
 // the property "ClaveSeleccionada", so that a host process handed the window
 // reads the list without knowing this class.
 
-#include "controls/Export.h"
+#include "core/Exporta.h"
 
 #include <QHash>
 #include <QStringList>
@@ -20,7 +20,7 @@ class QProgressBar;
 
 namespace zuvi {
 
-class ZUVI_CONTROLES_EXPORT Lista : public QTreeWidget
+class ZUVI_PRODUCCION_EXPORT Lista : public QTreeWidget
 {
     Q_OBJECT
     Q_PROPERTY(QString ClaveSeleccionada READ claveSeleccionada)

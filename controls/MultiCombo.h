@@ -9,7 +9,7 @@
 // writes the chosen row's first column into the box, Escape closes the list,
 // and so does leaving the box. The button beside the box drops it down too.
 
-#include "controls/Export.h"
+#include "core/Exporta.h"
 #include "runtime/Recordset.h"
 
 #include <QLineEdit>
@@ -26,7 +26,7 @@ class QToolButton;
 
 namespace zuvi {
 
-class ZUVI_CONTROLES_EXPORT MultiCombo : public QWidget
+class ZUVI_PRODUCCION_EXPORT MultiCombo : public QWidget
 {
     Q_OBJECT
 

@@ -6,14 +6,14 @@
 // column while its cells keep their data) and the current cell's geometry.
 // Built on QTableWidget: the fixed row is the horizontal header.
 
-#include "controls/Export.h"
+#include "core/Exporta.h"
 
 #include <QRect>
 #include <QTableWidget>
 
 namespace zuvi {
 
-class ZUVI_CONTROLES_EXPORT Rejilla : public QTableWidget
+class ZUVI_PRODUCCION_EXPORT Rejilla : public QTableWidget
 {
     Q_OBJECT
 

@@ -67,6 +67,51 @@ qint16 teclaDeSimbolo(int k)
     return 0;
 }
 
+// The keys whose code does not depend on where they are.
+struct TeclaFija
+{
+    int tecla;
+    qint16 codigo;
+};
+constexpr TeclaFija kTeclasFijas[] = {
+    {Qt::Key_Backspace, Retroceso},
+    {Qt::Key_Tab, Tabulador},
+    {Qt::Key_Backtab, Tabulador},
+    {Qt::Key_Clear, Limpiar},
+    {Qt::Key_Return, Enter},
+    {Qt::Key_Enter, Enter},
+    {Qt::Key_Shift, Mayusculas},
+    {Qt::Key_Control, Control},
+    {Qt::Key_Alt, Alt},
+    {Qt::Key_Pause, Pausa},
+    {Qt::Key_CapsLock, BloqMayus},
+    {Qt::Key_Escape, Escape},
+    {Qt::Key_Space, Espacio},
+    {Qt::Key_PageUp, RePag},
+    {Qt::Key_PageDown, AvPag},
+    {Qt::Key_End, Fin},
+    {Qt::Key_Home, Inicio},
+    {Qt::Key_Left, Izquierda},
+    {Qt::Key_Up, Arriba},
+    {Qt::Key_Right, Derecha},
+    {Qt::Key_Down, Abajo},
+    {Qt::Key_Insert, Insertar},
+    {Qt::Key_Delete, Suprimir},
+};
+
+// The operator keys: one code on the numeric keypad, the code of the main
+// keyboard's key that types the same symbol elsewhere.
+struct TeclaDeTeclado
+{
+    int tecla;
+    qint16 enTeclado;
+    qint16 fuera;
+};
+constexpr TeclaDeTeclado kTeclasDeTeclado[] = {
+    {Qt::Key_Asterisk, NumPor, '8'}, {Qt::Key_Plus, NumMas, 187},    {Qt::Key_Minus, NumMenos, 189},
+    {Qt::Key_Period, NumPunto, 190}, {Qt::Key_Slash, NumEntre, 191},
+};
+
 } // namespace
 
 qint16 codigoTecla(int k, Qt::KeyboardModifiers modificadores)
@@ -78,64 +123,13 @@ qint16 codigoTecla(int k, Qt::KeyboardModifiers modificadores)
         return qint16(k); // Qt's letter keys are the upper-case ASCII codes
     if (k >= Qt::Key_F1 && k <= Qt::Key_F12)
         return qint16(F1 + (k - Qt::Key_F1));
-    switch (k) {
-    case Qt::Key_Backspace:
-        return Retroceso;
-    case Qt::Key_Tab:
-    case Qt::Key_Backtab:
-        return Tabulador;
-    case Qt::Key_Clear:
-        return Limpiar;
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        return Enter;
-    case Qt::Key_Shift:
-        return Mayusculas;
-    case Qt::Key_Control:
-        return Control;
-    case Qt::Key_Alt:
-        return Alt;
-    case Qt::Key_Pause:
-        return Pausa;
-    case Qt::Key_CapsLock:
-        return BloqMayus;
-    case Qt::Key_Escape:
-        return Escape;
-    case Qt::Key_Space:
-        return Espacio;
-    case Qt::Key_PageUp:
-        return RePag;
-    case Qt::Key_PageDown:
-        return AvPag;
-    case Qt::Key_End:
-        return Fin;
-    case Qt::Key_Home:
-        return Inicio;
-    case Qt::Key_Left:
-        return Izquierda;
-    case Qt::Key_Up:
-        return Arriba;
-    case Qt::Key_Right:
-        return Derecha;
-    case Qt::Key_Down:
-        return Abajo;
-    case Qt::Key_Insert:
-        return Insertar;
-    case Qt::Key_Delete:
-        return Suprimir;
-    case Qt::Key_Asterisk:
-        return teclado ? NumPor : qint16('8');
-    case Qt::Key_Plus:
-        return teclado ? NumMas : qint16(187);
-    case Qt::Key_Minus:
-        return teclado ? NumMenos : 189;
-    case Qt::Key_Period:
-        return teclado ? NumPunto : 190;
-    case Qt::Key_Slash:
-        return teclado ? NumEntre : 191;
-    default:
-        return teclaDeSimbolo(k);
-    }
+    for (const TeclaFija &t : kTeclasFijas)
+        if (t.tecla == k)
+            return t.codigo;
+    for (const TeclaDeTeclado &t : kTeclasDeTeclado)
+        if (t.tecla == k)
+            return teclado ? t.enTeclado : t.fuera;
+    return teclaDeSimbolo(k);
 }
 
 qint16 codigoTecla(const QKeyEvent *evento)

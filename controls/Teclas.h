@@ -3,7 +3,7 @@
 // The numeric key codes and shift state the windows' handlers compare
 // against, translated from Qt key events in this one place.
 
-#include "controls/Export.h"
+#include "core/Exporta.h"
 
 #include <QtCore/qnamespace.h>
 #include <QtGlobal>
@@ -58,18 +58,18 @@ inline constexpr qint16 AltMask = 4;
 // has the code of the physical key: Shift+9 "(" is 57, "ñ" is 192, ";" 186.
 // 0 only for keys that have no code at all (a bare dead key of no known
 // layout, media keys).
-ZUVI_CONTROLES_EXPORT qint16 codigoTecla(const QKeyEvent *evento);
-ZUVI_CONTROLES_EXPORT qint16 codigoTecla(int teclaQt, Qt::KeyboardModifiers modificadores);
+ZUVI_PRODUCCION_EXPORT qint16 codigoTecla(const QKeyEvent *evento);
+ZUVI_PRODUCCION_EXPORT qint16 codigoTecla(int teclaQt, Qt::KeyboardModifiers modificadores);
 
 // The shift state: 1 shift, 2 ctrl, 4 alt, added together.
-ZUVI_CONTROLES_EXPORT qint16 estadoShift(Qt::KeyboardModifiers modificadores);
+ZUVI_PRODUCCION_EXPORT qint16 estadoShift(Qt::KeyboardModifiers modificadores);
 
 // The character code a key press types (what KeyPress handlers receive):
 // Enter 13, Backspace 8, Escape 27, otherwise the typed character; 0 when the
 // key types nothing.
-ZUVI_CONTROLES_EXPORT qint16 codigoCaracter(const QKeyEvent *evento);
+ZUVI_PRODUCCION_EXPORT qint16 codigoCaracter(const QKeyEvent *evento);
 
 // The Qt key for a character code, to replay a character a handler changed.
-ZUVI_CONTROLES_EXPORT int teclaQtDeCaracter(qint16 caracter);
+ZUVI_PRODUCCION_EXPORT int teclaQtDeCaracter(qint16 caracter);
 
 } // namespace zuvi::teclas

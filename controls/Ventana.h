@@ -9,7 +9,7 @@
 // own procedure name.
 
 #include "controls/ArregloControles.h"
-#include "controls/Export.h"
+#include "core/Exporta.h"
 #include "runtime/Error.h"
 
 #include <QHash>
@@ -23,7 +23,7 @@ class QLineEdit;
 
 namespace zuvi {
 
-class ZUVI_CONTROLES_EXPORT Ventana : public QWidget
+class ZUVI_PRODUCCION_EXPORT Ventana : public QWidget
 {
     Q_OBJECT
 

@@ -1,7 +1,7 @@
 #include "fractions/frmFracciones.h"
 
-#include "component/Modulo.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 
 #include <QLineEdit>
@@ -45,7 +45,7 @@ void frmFracciones::Form_Paint()
 {
     atrapa(QStringLiteral("Form_Paint"), [this] {
         SetWindowState(Maximizada);
-        txtFields(0)->setFocus();
+        txtFields(Campo::Codigo)->setFocus();
     });
 }
 
@@ -53,7 +53,7 @@ void frmFracciones::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
 {
     // Runs before the key reaches the field: on Enter, Codigo is the whole
     // line typed so far.
-    Codigo = Trim(txtFields(0)->text());
+    Codigo = Trim(txtFields(Campo::Codigo)->text());
     if (KeyCode == teclas::Enter)
         iniciaProceso(QStringLiteral("FRACCIONES"));
 }

@@ -4,9 +4,9 @@
 // host's process control does the work under the keys "FRACCIONES001" (on
 // load) and "FRACCIONES", reading Codigo and Estado through the window object.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 
@@ -29,6 +29,11 @@ public:
     QString Codigo;
     QString Estado;
 
+    // Its one field, the code read or typed; the value is the index.
+    struct Campo
+    {
+        enum : int { Codigo };
+    };
     ArregloControles<QLineEdit> txtFields;
     QTextBrowser *wb = nullptr;
 

@@ -4,7 +4,7 @@
 // exactly as they are sent: numbers in decimal, keys between single quotes,
 // nothing escaped.
 
-#include "component/Export.h"
+#include "core/Exporta.h"
 
 #include <QString>
 
@@ -26,7 +26,8 @@ ZUVI_PRODUCCION_EXPORT QString descripcion(const QString &articulo);
 ZUVI_PRODUCCION_EXPORT QString claveAdicional(const QString &clave);
 ZUVI_PRODUCCION_EXPORT QString moneda(const QString &moneda);
 ZUVI_PRODUCCION_EXPORT QString vendedor(const QString &vend);
-// The rows of the article list under field 4; the article of a secondary key.
+// The rows of the article list under the article field; the article of a
+// secondary key.
 ZUVI_PRODUCCION_EXPORT QString listaArticulos();
 ZUVI_PRODUCCION_EXPORT QString articuloDeClave(const QString &articulo);
 

@@ -1,10 +1,10 @@
 #include "orders/frmOp.h"
 #include "ui_frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/MultiCombo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 #include "runtime/Text.h"
 
@@ -58,7 +58,7 @@ frmOp::frmOp(QWidget *parent)
     txtEdit->hide();
 
     MultiCombo1 = ui->MultiCombo1;
-    MultiCombo1->PonCaja(txtFields(4));
+    MultiCombo1->PonCaja(txtFields(Campo::Articulo));
     KeyPreview = true; // F3, F6 and F9 work wherever the focus is
 
     conectaCampos();
@@ -94,7 +94,37 @@ void frmOp::Form_Load()
     zuvi::Ambiente *amb = ambiente();
     AccesoDatos *datos = modulo::accesoDatos();
 
-    // 1. The lines grid.
+    disenaRejilla();
+    preparaConstructor(datos, amb);
+    if (Modo != QLatin1String("ALTA"))
+        cargaOrdenExistente(datos, amb);
+    else
+        iniciaOrdenNueva(datos, amb);
+    fg2->SetRow(1);
+    fg2->SetCol(0);
+
+    // From here on a view-only window skips whatever fails.
+    const bool consulta = Modo == QLatin1String("CONSULTA");
+    const auto paso = [consulta](auto &&f) {
+        if (consulta)
+            swallowErrors(f);
+        else
+            f();
+    };
+    habilitaSegunModo(consulta);
+    enlazaListaArticulos(amb);
+    paso([&] {
+        RecordsetPtr parametros = amb->ParametrosEstacion();
+        Check4->setChecked(!parametros->atEnd() &&
+                           variantToDouble(parametros->value(QStringLiteral("Lector"))) != 0);
+    });
+    paso([&] { registraVentana(datos, amb); });
+    if (!consulta)
+        txtFields(Campo::Articulo)->setFocus();
+}
+
+void frmOp::disenaRejilla()
+{
     fg2->SetRows(101);
     fg2->SetCols(8);
     fg2->SetFixedRows(1);
@@ -113,50 +143,49 @@ void frmOp::Form_Load()
     fg2->SetText(QStringLiteral("Pr. QTY"));
     fg2->SetColWidth(8, 0);
     fg2->SetColWidth(9, 0);
+}
 
-    // 2. The statement builder, kept for the window's life.
+// The statement builder, kept for the window's life.
+void frmOp::preparaConstructor(AccesoDatos *datos, zuvi::Ambiente *amb)
+{
     m_sql.reset(datos->NuevoConstructorSql());
     m_sql->PonConexion(amb->Conexion());
     if (QObject *rutas = amb->ContenedorRutas())
         m_sql->PonRutas(rutas->property("PathCollection"));
+}
 
-    if (Modo != QLatin1String("ALTA")) {
-        // 3. An existing order.
-        cargaEncabezado(rsOp);
-        CostoTotal = rsOp->number(QStringLiteral("costo"));
-        if (Modo == QLatin1String("MODIFICACION")) {
-            m_sql->Limpia();
-            m_sql->Tipo(QStringLiteral("UPDATE"));
-            m_sql->AgregaCampo(QStringLiteral("Op"), QStringLiteral("ocupado"), qint16(1));
-            m_sql->Condicion(sentenciasOp::condicionOpMayuscula(Op));
-            m_sql->Genera(QStringLiteral("Op"));
-            m_sql->Ejecuta();
-        }
-        const qint32 numero = rsOp->value(QStringLiteral("Op")).toInt();
-        rsPartidas = datos->Consulta(sentenciasOp::partidasCarga(numero), amb->Conexion());
-        llenaRejilla();
-    } else {
-        // 4. A new order.
-        DTPicker1->setDate(datos->ComponeFecha(amb->DatoFechaA(), amb->DatoFechaB()));
-        DTPicker2->setDate(datos->ComponeFecha(amb->DatoFechaA(), amb->DatoFechaB()));
-        RecordsetPtr parametros = amb->ParametrosEstacion();
-        txtFields(14)->setText(parametros->text(QStringLiteral("Almacen")));
+// The header and the lines of the order; opened to change it, the order is
+// marked busy until the window goes.
+void frmOp::cargaOrdenExistente(AccesoDatos *datos, zuvi::Ambiente *amb)
+{
+    cargaEncabezado(rsOp);
+    CostoTotal = rsOp->number(QStringLiteral("costo"));
+    if (Modo == QLatin1String("MODIFICACION")) {
+        m_sql->Limpia();
+        m_sql->Tipo(QStringLiteral("UPDATE"));
+        m_sql->AgregaCampo(QStringLiteral("Op"), QStringLiteral("ocupado"), qint16(1));
+        m_sql->Condicion(sentenciasOp::condicionOpMayuscula(Op));
+        m_sql->Genera(QStringLiteral("Op"));
+        m_sql->Ejecuta();
     }
+    const qint32 numero = rsOp->value(QStringLiteral("Op")).toInt();
+    rsPartidas = datos->Consulta(sentenciasOp::partidasCarga(numero), amb->Conexion());
+    llenaRejilla();
+}
 
-    // 5.
-    fg2->SetRow(1);
-    fg2->SetCol(0);
+// Today's date in both pickers and the station's warehouse.
+void frmOp::iniciaOrdenNueva(AccesoDatos *datos, zuvi::Ambiente *amb)
+{
+    DTPicker1->setDate(datos->ComponeFecha(amb->DatoFechaA(), amb->DatoFechaB()));
+    DTPicker2->setDate(datos->ComponeFecha(amb->DatoFechaA(), amb->DatoFechaB()));
+    RecordsetPtr parametros = amb->ParametrosEstacion();
+    txtFields(Campo::Almacen)->setText(parametros->text(QStringLiteral("Almacen")));
+}
 
-    // From here on a view-only window skips whatever fails.
-    const bool consulta = Modo == QLatin1String("CONSULTA");
-    const auto paso = [consulta](auto &&f) {
-        if (consulta)
-            swallowErrors(f);
-        else
-            f();
-    };
-
-    // 6., 7.
+// A viewed order can still generate codes but cannot be finished; every other
+// control of it is disabled.
+void frmOp::habilitaSegunModo(bool consulta)
+{
     if (!consulta) {
         Command1->setEnabled(false);
         Command5->setEnabled(true);
@@ -174,8 +203,11 @@ void frmOp::Form_Load()
         Command5->setEnabled(false);
     }
     Command2->setEnabled(true);
+}
 
-    // 8. The article list under field 4 reads the order's connection.
+// The article list under the article field reads the order's connection.
+void frmOp::enlazaListaArticulos(zuvi::Ambiente *amb)
+{
     MultiCombo1->PonConexion(amb->Conexion());
     MultiCombo1->PonConsulta([](const QString &sql, const QSqlDatabase &conexion) {
         return modulo::accesoDatos()->Consulta(sql, conexion);
@@ -183,28 +215,22 @@ void frmOp::Form_Load()
     MultiCombo1->PonOrigen(
         sentenciasOp::listaArticulos(),
         {QStringLiteral("Artículo"), QStringLiteral("Descripción"), QStringLiteral("Unidad")});
-    // 9.
-    paso([&] {
-        RecordsetPtr parametros = amb->ParametrosEstacion();
-        Check4->setChecked(!parametros->atEnd() &&
-                           variantToDouble(parametros->value(QStringLiteral("Lector"))) != 0);
-    });
-    // 10., 11.
-    paso([&] {
-        iniciaProceso(QStringLiteral("Op001"), Rechazo);
-        if (!fromVBool(Rechazo)) {
-            datos->PreparaVentana(this, amb, QString(""));
-            Rechazo = VFalse;
-        }
-    });
-    if (!consulta)
-        txtFields(4)->setFocus();
+}
+
+// Process Op001; unless it refused the window, the host prepares the window.
+void frmOp::registraVentana(AccesoDatos *datos, zuvi::Ambiente *amb)
+{
+    iniciaProceso(QStringLiteral("Op001"), Rechazo);
+    if (!fromVBool(Rechazo)) {
+        datos->PreparaVentana(this, amb, QString(""));
+        Rechazo = VFalse;
+    }
 }
 
 void frmOp::cargaEncabezado(const RecordsetPtr &registro)
 {
     AccesoDatos *datos = modulo::accesoDatos();
-    txtFields(14)->setText(registro->text(QStringLiteral("Almacen")));
+    txtFields(Campo::Almacen)->setText(registro->text(QStringLiteral("Almacen")));
     DTPicker1->setDate(registro->value(QStringLiteral("F_Emision")).toDate());
     const QVariant entrega = registro->value(QStringLiteral("fechaentrega"));
     DTPicker2->setDate(entrega.isNull() ? QDate::currentDate() : entrega.toDate());
@@ -231,9 +257,10 @@ void frmOp::showEvent(QShowEvent *evento)
 {
     Ventana::showEvent(evento);
     // A scanner can be used as soon as the window shows.
-    if (!m_enfocado && Modo != QLatin1String("CONSULTA") && txtFields(4)->isEnabled()) {
+    if (!m_enfocado && Modo != QLatin1String("CONSULTA") &&
+        txtFields(Campo::Articulo)->isEnabled()) {
         m_enfocado = true;
-        txtFields(4)->setFocus(Qt::OtherFocusReason);
+        txtFields(Campo::Articulo)->setFocus(Qt::OtherFocusReason);
     }
 }
 

@@ -7,9 +7,9 @@
 // frmOp_Comandos.cpp buttons and printing; frmOp_Campos.cpp the header
 // fields' events and lookups; frmOp_Rejilla.cpp editing the grid in place.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 #include <QTimer>
@@ -43,6 +43,40 @@ public:
     explicit frmOp(QWidget *parent = nullptr);
     ~frmOp() override;
 
+    // The members of txtFields by what they hold; the value is the index, so
+    // txtFields(Campo::Articulo) is txtFields(4). The fields named EncabezadoN
+    // and Partida7 have no control of their own in this layout: they only
+    // take part in the Enter/Tab and F8 navigation.
+    struct Campo
+    {
+        enum : int {
+            OrdenCompra = 0,
+            Descripcion = 1,
+            Articulo = 4,
+            Cantidad = 5,
+            Precio = 6,
+            Partida7 = 7,
+            Impuesto = 8,
+            Importe = 11,
+            Encabezado13 = 13,
+            Almacen = 14,
+            Moneda = 15,
+            TipoCambio = 16,
+            Encabezado17 = 17,
+            Encabezado18 = 18,
+            Encabezado19 = 19,
+            Encabezado22 = 22,
+            Encabezado23 = 23,
+            ClaveAdicional = 24,
+            ClaveDato1 = 25,
+            ClaveDato2 = 26,
+            Unidad = 27,
+            ClaveDetalle = 28,
+            ClaveUnidad = 29,
+            Ultimo = ClaveUnidad,
+        };
+    };
+
     // --- set by the opener ---
     QString Modo;
     qint32 Op = 0;
@@ -72,7 +106,7 @@ public:
     QPushButton *Command2 = nullptr;
     QPushButton *Command5 = nullptr;
     QPushButton *Command6 = nullptr;
-    MultiCombo *MultiCombo1 = nullptr; // hosts field 4 with its article list
+    MultiCombo *MultiCombo1 = nullptr; // hosts the article field with its list
     Rejilla *fg2 = nullptr;
     QLineEdit *txtEdit = nullptr;
     QTimer Timer1;
@@ -104,8 +138,8 @@ public:
 
     void Label10_Click(int Index);
 
-    // Header fields (frmOp_Campos.cpp): fills fields 4 and 1 from the
-    // secondary key of field 24.
+    // Header fields (frmOp_Campos.cpp): fills the article and its description
+    // from the secondary key typed.
     void TraeSegundaClave();
 
     // Grid editing (frmOp_Rejilla.cpp): starts an edit of the current cell
@@ -135,6 +169,11 @@ private:
     void txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift);
     void txtFields_KeyUp(int Index, qint16 &KeyCode, qint16 Shift);
     void txtFields_DblClick(int Index);
+    // F8 and Enter/Tab in a header field; the jumps are tables in
+    // frmOp_Campos.cpp.
+    void saltaConF8(int Index, qint16 &KeyCode);
+    void avanzaConEnter(int Index, qint16 &KeyCode);
+    void enfocaSiExiste(int indice);
     void RichTextBox1_KeyDown(qint16 &KeyCode, qint16 Shift);
     // The catalogue lookup, with a target box, caption and row filter.
     void abreCatalogo(QLineEdit *destino, const QString &titulo, const QString &filtro);
@@ -151,6 +190,15 @@ private:
     void txtEdit_KeyDown(qint16 &KeyCode, qint16 Shift);
     // The edit written back into the current cell, when there is one.
     void escribeEdicion();
+
+    // The steps of Form_Load (frmOp.cpp).
+    void disenaRejilla();
+    void preparaConstructor(AccesoDatos *datos, zuvi::Ambiente *amb);
+    void cargaOrdenExistente(AccesoDatos *datos, zuvi::Ambiente *amb);
+    void iniciaOrdenNueva(AccesoDatos *datos, zuvi::Ambiente *amb);
+    void habilitaSegunModo(bool consulta);
+    void enlazaListaArticulos(zuvi::Ambiente *amb);
+    void registraVentana(AccesoDatos *datos, zuvi::Ambiente *amb);
 
     // The header controls from the order's row (after loading and CreaOp).
     void cargaEncabezado(const RecordsetPtr &registro);

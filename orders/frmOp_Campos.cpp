@@ -5,9 +5,9 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/MultiCombo.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 
 #include <QCheckBox>
@@ -26,21 +26,57 @@ QString etiqueta(const QLineEdit *caja)
     return caja->property("Tag").toString();
 }
 
-// The catalogue each field below 15 opens; empty for the others.
+using Campo = frmOp::Campo;
+
+// The catalogue each field below the currency opens; empty for the others.
 QString catalogoDe(int indice)
 {
     switch (indice) {
-    case 0:
+    case Campo::OrdenCompra:
         return QStringLiteral("Conceptos de Op al inventario");
-    case 4:
+    case Campo::Articulo:
         return QStringLiteral("Articulos");
-    case 8:
+    case Campo::Impuesto:
         return QStringLiteral("Impuestos por porcentaje");
-    case 14:
+    case Campo::Almacen:
         return QStringLiteral("Almacenes");
     default:
         return QString();
     }
+}
+
+// Where a key sends the focus from a field, when that field is enabled.
+struct Salto
+{
+    int desde;
+    int hacia;
+};
+
+// F8 from a line field goes to the secondary key, and through its details
+// back to the price. The secondary key itself also fetches its article.
+constexpr Salto kSaltosF8[] = {
+    {Campo::Articulo, Campo::ClaveAdicional},     {Campo::Cantidad, Campo::ClaveAdicional},
+    {Campo::Precio, Campo::ClaveAdicional},       {Campo::Partida7, Campo::ClaveAdicional},
+    {Campo::Impuesto, Campo::ClaveAdicional},     {Campo::Encabezado22, Campo::ClaveAdicional},
+    {Campo::Encabezado23, Campo::ClaveAdicional}, {Campo::ClaveDetalle, Campo::ClaveUnidad},
+    {Campo::ClaveUnidad, Campo::Precio},
+};
+
+// Enter or Tab in the header; the article, the quantity and the currency
+// have their own handling.
+constexpr Salto kSaltosEnter[] = {
+    {Campo::OrdenCompra, Campo::Almacen},       {Campo::Encabezado13, Campo::Encabezado17},
+    {Campo::Almacen, Campo::Articulo},          {Campo::TipoCambio, Campo::Articulo},
+    {Campo::Encabezado18, Campo::Encabezado19}, {Campo::ClaveDetalle, Campo::ClaveUnidad},
+    {Campo::ClaveUnidad, Campo::Precio},
+};
+
+template <std::size_t N> const Salto *saltoDesde(const Salto (&tabla)[N], int indice)
+{
+    for (const Salto &s : tabla)
+        if (s.desde == indice)
+            return &s;
+    return nullptr;
 }
 
 } // namespace
@@ -108,19 +144,21 @@ void frmOp::txtFields_LostFocus(int Index)
 {
     if (!isVisible() || descargada())
         return;
-    if (Index == 4)
+    if (Index == Campo::Articulo)
         PonDescripcion();
     formatea(txtFields(Index));
 }
 
+void frmOp::enfocaSiExiste(int indice)
+{
+    if (txtFields.existe(indice))
+        enfoca(indice);
+}
+
 void frmOp::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
 {
-    const auto enfocaSiExiste = [this](int destino) {
-        if (txtFields.existe(destino))
-            enfoca(destino);
-    };
     if (KeyCode == teclas::F2)
-        enfocaSiExiste(4);
+        enfocaSiExiste(Campo::Articulo);
     if (KeyCode == teclas::F5) {
         KeyCode = 0;
         // As the button: a finished or view-only order is not finished again.
@@ -128,37 +166,16 @@ void frmOp::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
             atrapa(QStringLiteral("Command5_Click"), [this] { Command5_Click(); });
         return;
     }
-    if (KeyCode == teclas::Abajo && Index == 4) {
+    if (KeyCode == teclas::Abajo && Index == Campo::Articulo) {
         KeyCode = 0;
-        abreCatalogo(txtFields(4), catalogoDe(4), QStringLiteral("kit <> 0"));
-        enfoca(4);
+        abreCatalogo(txtFields(Campo::Articulo), catalogoDe(Campo::Articulo),
+                     QStringLiteral("kit <> 0"));
+        enfoca(Campo::Articulo);
         return;
     }
     if (KeyCode == teclas::F8) {
-        switch (Index) {
-        case 4:
-        case 5:
-        case 6:
-        case 7:
-        case 8:
-        case 22:
-        case 23:
-            enfocaSiExiste(24);
-            break;
-        case 24:
-            KeyCode = 0;
-            enfocaSiExiste(28);
-            TraeSegundaClave();
-            return;
-        case 28:
-            enfocaSiExiste(29);
-            break;
-        case 29:
-            enfocaSiExiste(6);
-            break;
-        default:
-            break;
-        }
+        saltaConF8(Index, KeyCode);
+        return;
     }
     if (KeyCode == teclas::F2) {
         KeyCode = 0;
@@ -167,61 +184,59 @@ void frmOp::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
     }
     if (KeyCode != teclas::Tabulador && KeyCode != teclas::Enter)
         return;
-    if (Index < 0 || Index > 29 || Shift != 0)
+    if (Index < 0 || Index > Campo::Ultimo || Shift != 0)
         return; // Shift+Tab goes back as the toolkit moves it
-    // The fields that move on by themselves keep the toolkit from moving the
-    // focus a second time.
-    const auto siguiente = [&](int destino) {
+    avanzaConEnter(Index, KeyCode);
+}
+
+void frmOp::saltaConF8(int Index, qint16 &KeyCode)
+{
+    if (Index == Campo::ClaveAdicional) {
         KeyCode = 0;
-        enfocaSiExiste(destino);
-    };
+        enfocaSiExiste(Campo::ClaveDetalle);
+        TraeSegundaClave();
+        return;
+    }
+    if (const Salto *salto = saltoDesde(kSaltosF8, Index))
+        enfocaSiExiste(salto->hacia);
+}
+
+// The fields that move on by themselves keep the toolkit from moving the
+// focus a second time.
+void frmOp::avanzaConEnter(int Index, qint16 &KeyCode)
+{
     switch (Index) {
-    case 0:
-        siguiente(14);
-        break;
-    case 4:
+    case Campo::Articulo:
         KeyCode = 0;
         // Leaving the field fills the description; a window that is not the
         // active one gets no focus events, so it is done here.
         if (!isActiveWindow())
             PonDescripcion();
-        if (txtFields(5)->isEnabled()) {
-            txtFields(5)->setFocus(Qt::OtherFocusReason);
-            txtFields(5)->selectAll();
+        if (txtFields(Campo::Cantidad)->isEnabled()) {
+            txtFields(Campo::Cantidad)->setFocus(Qt::OtherFocusReason);
+            txtFields(Campo::Cantidad)->selectAll();
         }
         // A scanned code and the scanner's Enter add the line at once.
         if (Check4->isChecked())
             LlenaPartida();
-        break;
-    case 5:
+        return;
+    case Campo::Cantidad:
         KeyCode = 0;
         LlenaPartida();
-        break;
-    case 13:
-        siguiente(17);
-        break;
-    case 14:
-    case 16:
-        siguiente(4);
-        break;
-    case 15:
+        return;
+    case Campo::Moneda:
         KeyCode = 0;
-        if (txtFields(16)->isEnabled())
-            txtFields(16)->setFocus(Qt::OtherFocusReason);
+        if (txtFields(Campo::TipoCambio)->isEnabled())
+            txtFields(Campo::TipoCambio)->setFocus(Qt::OtherFocusReason);
         else
-            enfoca(4);
-        break;
-    case 18:
-        siguiente(19);
-        break;
-    case 28:
-        siguiente(29);
-        break;
-    case 29:
-        siguiente(6);
-        break;
+            enfoca(Campo::Articulo);
+        return;
     default:
         break;
+    }
+    if (const Salto *salto = saltoDesde(kSaltosEnter, Index)) {
+        KeyCode = 0;
+        enfocaSiExiste(salto->hacia);
     }
 }
 
@@ -240,7 +255,7 @@ void frmOp::txtFields_KeyUp(int Index, qint16 &KeyCode, qint16 Shift)
 void frmOp::txtFields_DblClick(int Index)
 {
     QLineEdit *caja = txtFields(Index);
-    if (Index < 15) {
+    if (Index < Campo::Moneda) {
         const QString titulo = catalogoDe(Index);
         if (!titulo.isEmpty())
             abreCatalogo(caja, titulo, QString());
@@ -270,10 +285,11 @@ void frmOp::TraeSegundaClave()
         AccesoDatos *datos = modulo::accesoDatos();
         zuvi::Ambiente *amb = ambiente();
         const auto limpiaDetalles = [this] {
-            for (int i : {25, 26, 28, 29})
+            for (int i :
+                 {Campo::ClaveDato1, Campo::ClaveDato2, Campo::ClaveDetalle, Campo::ClaveUnidad})
                 txtFields(i)->clear();
         };
-        const QString clave = txtFields(24)->text();
+        const QString clave = txtFields(Campo::ClaveAdicional)->text();
         if (clave.isEmpty()) {
             limpiaDetalles();
             return;
@@ -289,17 +305,19 @@ void frmOp::TraeSegundaClave()
         if (prods->atEnd())
             throw Error(QStringLiteral("La clave adicional %1 es del artículo %2, que no existe.")
                             .arg(clave, articulo));
-        txtFields(4)->setText(datos->ValorTexto(prods->value(QStringLiteral("Articulo"))));
-        txtFields(1)->setText(datos->ValorTexto(prods->value(QStringLiteral("descrip"))));
+        txtFields(Campo::Articulo)
+            ->setText(datos->ValorTexto(prods->value(QStringLiteral("Articulo"))));
+        txtFields(Campo::Descripcion)
+            ->setText(datos->ValorTexto(prods->value(QStringLiteral("descrip"))));
         PonDescripcion();
     });
 }
 
 void frmOp::RichTextBox1_KeyDown(qint16 &KeyCode, qint16 Shift)
 {
-    if (KeyCode == teclas::F8 && txtFields(4)->isEnabled()) {
+    if (KeyCode == teclas::F8 && txtFields(Campo::Articulo)->isEnabled()) {
         KeyCode = 0;
-        txtFields(4)->setFocus(Qt::OtherFocusReason);
+        txtFields(Campo::Articulo)->setFocus(Qt::OtherFocusReason);
     }
 }
 

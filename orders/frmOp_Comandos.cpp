@@ -3,7 +3,7 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 
 #include <QCheckBox>
 #include <QDateEdit>

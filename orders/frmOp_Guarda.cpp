@@ -2,8 +2,8 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/Rejilla.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 
 #include <QCheckBox>
@@ -50,10 +50,10 @@ void frmOp::CreaOp()
             m_sql->AgregaCampo(kOp, QStringLiteral("ocupado"), qint16(1));
             m_sql->AgregaCampo(kOp, QStringLiteral("f_emision"), DTPicker1->date());
             m_sql->AgregaCampo(kOp, QStringLiteral("importe"),
-                               datos->ValorNumerico(txtFields(11)->text()));
+                               datos->ValorNumerico(txtFields(Campo::Importe)->text()));
             m_sql->AgregaCampo(kOp, QStringLiteral("costo"), qint16(0));
             m_sql->AgregaCampo(kOp, QStringLiteral("almacen"),
-                               datos->ValorTexto(txtFields(14)->text()));
+                               datos->ValorTexto(txtFields(Campo::Almacen)->text()));
             m_sql->AgregaCampo(kOp, QStringLiteral("estado"), QStringLiteral("PE"));
             m_sql->AgregaCampo(kOp, QStringLiteral("observ"), RichTextBox2->toPlainText());
             m_sql->AgregaCampo(kOp, QStringLiteral("usuario"), amb->UsuarioActual());
@@ -61,7 +61,7 @@ void frmOp::CreaOp()
             m_sql->AgregaCampo(kOp, QStringLiteral("usuhora"), horaActual());
             m_sql->AgregaCampo(kOp, QStringLiteral("fechaEntrega"), DTPicker2->date());
             m_sql->AgregaCampo(kOp, QStringLiteral("ordencompra"),
-                               datos->ValorNumerico(txtFields(0)->text()));
+                               datos->ValorNumerico(txtFields(Campo::OrdenCompra)->text()));
             m_sql->Condicion(sentenciasOp::condicionOp(Op));
             m_sql->Genera(kOp);
             m_sql->Ejecuta();
@@ -87,10 +87,10 @@ void frmOp::SalvaOp()
         m_sql->AgregaCampo(kOp, QStringLiteral("f_emision"), DTPicker1->date());
         m_sql->AgregaCampo(kOp, QStringLiteral("fechaEntrega"), DTPicker2->date());
         m_sql->AgregaCampo(kOp, QStringLiteral("importe"),
-                           datos->ValorNumerico(txtFields(11)->text()));
+                           datos->ValorNumerico(txtFields(Campo::Importe)->text()));
         m_sql->AgregaCampo(kOp, QStringLiteral("costo"), CostoTotal);
         m_sql->AgregaCampo(kOp, QStringLiteral("almacen"),
-                           datos->ValorNumerico(txtFields(14)->text()));
+                           datos->ValorNumerico(txtFields(Campo::Almacen)->text()));
         if (!Check3->isChecked()) {
             m_sql->AgregaCampo(kOp, QStringLiteral("estado"), QStringLiteral("CO"));
             if (Check1->isChecked())
@@ -103,7 +103,7 @@ void frmOp::SalvaOp()
         m_sql->AgregaCampo(kOp, QStringLiteral("usufecha"), QDate::currentDate());
         m_sql->AgregaCampo(kOp, QStringLiteral("usuhora"), horaActual());
         m_sql->AgregaCampo(kOp, QStringLiteral("ordencompra"),
-                           datos->ValorNumerico(txtFields(0)->text()));
+                           datos->ValorNumerico(txtFields(Campo::OrdenCompra)->text()));
         m_sql->Genera(kOp);
         m_sql->Ejecuta();
     });

@@ -3,9 +3,9 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 #include "orders/SentenciasOp.h"
 #include "runtime/Text.h"
 
@@ -31,35 +31,36 @@ void frmOp::LlenaPartida()
     atrapa(QStringLiteral("LlenaPartida"), [this] {
         zuvi::Ambiente *amb = ambiente();
         AccesoDatos *datos = modulo::accesoDatos();
-        if (vacio(txtFields(4)->text())) {
+        if (vacio(txtFields(Campo::Articulo)->text())) {
             mensaje(234);
-            txtFields(4)->setFocus();
+            txtFields(Campo::Articulo)->setFocus();
             return;
         }
-        if (!fromVBool(datos->ExisteClave(txtFields(4)->text(), QStringLiteral("prods"),
-                                          QStringLiteral("articulo"), amb->Conexion(), VTrue))) {
+        if (!fromVBool(datos->ExisteClave(txtFields(Campo::Articulo)->text(),
+                                          QStringLiteral("prods"), QStringLiteral("articulo"),
+                                          amb->Conexion(), VTrue))) {
             mensaje(235);
-            txtFields(4)->setFocus();
+            txtFields(Campo::Articulo)->setFocus();
             return;
         }
-        if (!(datos->ValorNumerico(txtFields(5)->text()) > 0)) {
+        if (!(datos->ValorNumerico(txtFields(Campo::Cantidad)->text()) > 0)) {
             mensaje(236);
-            enfoca(5);
+            enfoca(Campo::Cantidad);
             return;
         }
-        const QString articulo = Trim(txtFields(4)->text());
+        const QString articulo = Trim(txtFields(Campo::Articulo)->text());
         RecordsetPtr rs = datos->Consulta(sentenciasOp::ubicacion(articulo), amb->Conexion());
         if (!rs->atEnd())
             rs->value(QStringLiteral("ubicacion"));
-        const qint16 almacen = qint16(datos->ValorNumerico(txtFields(14)->text()));
+        const qint16 almacen = qint16(datos->ValorNumerico(txtFields(Campo::Almacen)->text()));
         if (!fromVBool(datos->UbicacionRestringida(articulo, almacen, amb->Conexion()))) {
             NuevaPartida();
-            enfoca(4);
-            for (int i : {1, 4, 5, 6})
+            enfoca(Campo::Articulo);
+            for (int i : {Campo::Descripcion, Campo::Articulo, Campo::Cantidad, Campo::Precio})
                 txtFields(i)->clear();
         } else {
             mensaje(703);
-            enfoca(4);
+            enfoca(Campo::Articulo);
         }
     });
 }
@@ -86,17 +87,17 @@ void frmOp::NuevaPartida()
         qint32 documento = 0;
         const qint32 id =
             datos->SiguienteFolio(QStringLiteral("oppart"), amb->Conexion(), documento, nullptr);
-        const double cantidad = datos->ValorNumerico(txtFields(5)->text());
-        const double precio = datos->ValorNumerico(txtFields(6)->text());
+        const double cantidad = datos->ValorNumerico(txtFields(Campo::Cantidad)->text());
+        const double precio = datos->ValorNumerico(txtFields(Campo::Precio)->text());
         m_sql->AgregaCampo(oppart, QStringLiteral("id_entrada"), id);
         m_sql->AgregaCampo(oppart, QStringLiteral("op"), qint32(Op));
         m_sql->AgregaCampo(oppart, QStringLiteral("tipo_doc"),
                            rsOp->value(QStringLiteral("Tipo_doc")));
         m_sql->AgregaCampo(oppart, QStringLiteral("no_referen"), rsOp->value(QStringLiteral("Op")));
-        m_sql->AgregaCampo(oppart, QStringLiteral("articulo"), txtFields(4)->text());
+        m_sql->AgregaCampo(oppart, QStringLiteral("articulo"), txtFields(Campo::Articulo)->text());
         m_sql->AgregaCampo(oppart, QStringLiteral("cantidad"), cantidad);
         m_sql->AgregaCampo(oppart, QStringLiteral("precio"), precio);
-        m_sql->AgregaCampo(oppart, QStringLiteral("observ"), txtFields(1)->text());
+        m_sql->AgregaCampo(oppart, QStringLiteral("observ"), txtFields(Campo::Descripcion)->text());
         m_sql->AgregaCampo(oppart, QStringLiteral("partida"), qint16(0));
         m_sql->AgregaCampo(oppart, QStringLiteral("usuario"), amb->UsuarioActual());
         m_sql->AgregaCampo(oppart, QStringLiteral("usufecha"), QDate::currentDate());
@@ -113,10 +114,10 @@ void frmOp::NuevaPartida()
                 break;
         if (i > n)
             return; // stored, not shown: the grid is full
-        fg2->SetTextMatrix(i, 0, txtFields(4)->text());
-        fg2->SetTextMatrix(i, 1, txtFields(5)->text());
+        fg2->SetTextMatrix(i, 0, txtFields(Campo::Articulo)->text());
+        fg2->SetTextMatrix(i, 1, txtFields(Campo::Cantidad)->text());
         fg2->SetTextMatrix(i, 3, importe(cantidad * precio));
-        fg2->SetTextMatrix(i, 4, txtFields(1)->text());
+        fg2->SetTextMatrix(i, 4, txtFields(Campo::Descripcion)->text());
         fg2->SetTextMatrix(i, 5, QString::number(id));
         fg2->SetRow(i);
     });
@@ -127,34 +128,36 @@ void frmOp::PonDescripcion()
     atrapa(QStringLiteral("PonDescripcion"), [this] {
         zuvi::Ambiente *amb = ambiente();
         AccesoDatos *datos = modulo::accesoDatos();
-        RecordsetPtr rs =
-            datos->Consulta(sentenciasOp::descripcion(txtFields(4)->text()), amb->Conexion());
+        RecordsetPtr rs = datos->Consulta(
+            sentenciasOp::descripcion(txtFields(Campo::Articulo)->text()), amb->Conexion());
         if (rs->atEnd()) {
-            RecordsetPtr clave = datos->Consulta(sentenciasOp::claveAdicional(txtFields(4)->text()),
-                                                 amb->Conexion());
+            RecordsetPtr clave = datos->Consulta(
+                sentenciasOp::claveAdicional(txtFields(Campo::Articulo)->text()), amb->Conexion());
             if (!clave->atEnd()) {
-                txtFields(4)->setText(clave->text(QStringLiteral("Articulo")));
-                txtFields(24)->setText(clave->text(QStringLiteral("Clave")));
-                txtFields(25)->setText(Trim(clave->text(QStringLiteral("Dato1"))));
-                txtFields(26)->setText(Trim(clave->text(QStringLiteral("Dato2"))));
-                txtFields(29)->setText(Trim(clave->text(QStringLiteral("unidad"))));
-                txtFields(28)->setText(Trim(clave->text(QStringLiteral("Dato1"))));
+                txtFields(Campo::Articulo)->setText(clave->text(QStringLiteral("Articulo")));
+                txtFields(Campo::ClaveAdicional)->setText(clave->text(QStringLiteral("Clave")));
+                txtFields(Campo::ClaveDato1)->setText(Trim(clave->text(QStringLiteral("Dato1"))));
+                txtFields(Campo::ClaveDato2)->setText(Trim(clave->text(QStringLiteral("Dato2"))));
+                txtFields(Campo::ClaveUnidad)->setText(Trim(clave->text(QStringLiteral("unidad"))));
+                txtFields(Campo::ClaveDetalle)->setText(Trim(clave->text(QStringLiteral("Dato1"))));
                 // The main article's own description and unit.
-                rs = datos->Consulta(sentenciasOp::descripcion(txtFields(4)->text()),
+                rs = datos->Consulta(sentenciasOp::descripcion(txtFields(Campo::Articulo)->text()),
                                      amb->Conexion());
             }
         }
         m_costoArticulo = 0;
         if (!rs->atEnd()) {
-            txtFields(1)->setText(Trim(datos->ValorTexto(rs->value(QStringLiteral("descrip")))));
-            txtFields(27)->setText(Trim(datos->ValorTexto(rs->value(QStringLiteral("unidad")))));
+            txtFields(Campo::Descripcion)
+                ->setText(Trim(datos->ValorTexto(rs->value(QStringLiteral("descrip")))));
+            txtFields(Campo::Unidad)
+                ->setText(Trim(datos->ValorTexto(rs->value(QStringLiteral("unidad")))));
             m_costoArticulo = datos->ValorNumerico(rs->value(QStringLiteral("costo_u")));
         }
         // With the barcode reader each scanned code is one piece unless a
         // quantity was typed.
-        if (Check4->isChecked() && !(datos->ValorNumerico(txtFields(5)->text()) > 0) &&
-            !rs->atEnd())
-            txtFields(5)->setText(QStringLiteral("1"));
+        if (Check4->isChecked() &&
+            !(datos->ValorNumerico(txtFields(Campo::Cantidad)->text()) > 0) && !rs->atEnd())
+            txtFields(Campo::Cantidad)->setText(QStringLiteral("1"));
     });
 }
 
@@ -162,14 +165,14 @@ void frmOp::PonTC()
 {
     atrapa(QStringLiteral("PonTC"), [this] {
         RecordsetPtr rs = modulo::accesoDatos()->Consulta(
-            sentenciasOp::moneda(txtFields(15)->text()), ambiente()->Conexion());
+            sentenciasOp::moneda(txtFields(Campo::Moneda)->text()), ambiente()->Conexion());
         if (rs->atEnd()) {
-            txtFields(16)->setText(QString(""));
+            txtFields(Campo::TipoCambio)->setText(QString(""));
             return;
         }
-        txtFields(16)->setText(rs->text(QStringLiteral("Tc")));
+        txtFields(Campo::TipoCambio)->setText(rs->text(QStringLiteral("Tc")));
         if (variantToDouble(rs->value(QStringLiteral("Base"))) != 0)
-            txtFields(16)->setEnabled(false);
+            txtFields(Campo::TipoCambio)->setEnabled(false);
     });
 }
 
@@ -177,15 +180,15 @@ bool frmOp::ValidaTab1()
 {
     bool valido = true;
     atrapa(QStringLiteral("ValidaTab1"), [&] {
-        if (vacio(txtFields(14)->text())) {
+        if (vacio(txtFields(Campo::Almacen)->text())) {
             mensaje(240);
-            txtFields(14)->setFocus();
+            txtFields(Campo::Almacen)->setFocus();
             valido = false;
         } else if (!fromVBool(modulo::accesoDatos()->ExisteClave(
-                       txtFields(14)->text(), QStringLiteral("almacen"), QStringLiteral("almacen"),
-                       ambiente()->Conexion(), VTrue))) {
+                       txtFields(Campo::Almacen)->text(), QStringLiteral("almacen"),
+                       QStringLiteral("almacen"), ambiente()->Conexion(), VTrue))) {
             mensaje(241);
-            txtFields(14)->setFocus();
+            txtFields(Campo::Almacen)->setFocus();
             valido = false;
         }
     });
@@ -196,10 +199,10 @@ QString frmOp::TraeVends()
 {
     QString nombre;
     atrapa(QStringLiteral("TraeVends"), [&] {
-        if (vacio(txtFields(0)->text()))
+        if (vacio(txtFields(Campo::OrdenCompra)->text()))
             return;
         RecordsetPtr rs = modulo::accesoDatos()->Consulta(
-            sentenciasOp::vendedor(txtFields(1)->text()), ambiente()->Conexion());
+            sentenciasOp::vendedor(txtFields(Campo::Descripcion)->text()), ambiente()->Conexion());
         nombre = rs->atEnd() ? QString("") : rs->text(QStringLiteral("Nombre"));
     });
     return nombre;

@@ -4,9 +4,9 @@
 
 #include "orders/frmOp.h"
 
-#include "component/Modulo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
+#include "core/Modulo.h"
 
 #include <QCheckBox>
 #include <QLineEdit>
@@ -185,7 +185,7 @@ void frmOp::Form_KeyDown(qint16 &KeyCode, qint16 Shift)
             Check4->setChecked(false);
         } else {
             Check4->setChecked(true);
-            enfoca(4);
+            enfoca(Campo::Articulo);
         }
         break;
     case teclas::F6:

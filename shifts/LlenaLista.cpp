@@ -1,7 +1,7 @@
 #include "shifts/LlenaLista.h"
 
-#include "component/Modulo.h"
 #include "controls/Lista.h"
+#include "core/Modulo.h"
 
 #include <QProgressBar>
 

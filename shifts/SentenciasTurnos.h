@@ -3,7 +3,7 @@
 // The statement texts of the shift windows, built by concatenation as the
 // windows run them: keys between single quotes and nothing escaped.
 
-#include "component/Export.h"
+#include "core/Exporta.h"
 
 #include <QString>
 #include <QVariant>

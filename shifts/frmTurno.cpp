@@ -1,6 +1,6 @@
 #include "shifts/frmTurno.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 #include "shifts/SentenciasTurnos.h"
 #include "ui_frmTurno.h"
@@ -34,7 +34,7 @@ frmTurno::frmTurno(QWidget *parent)
     lv = arreglo<Lista>(QStringLiteral("lv"));
     ProgressBar1 = ui->ProgressBar1;
 
-    for (int i = 0; i < 6; ++i) {
+    for (int i = 0; i < Campo::Cuantos; ++i) {
         QComboBox *campo = cmbFields(i);
         campo->lineEdit()->setMaxLength(kLargos[i]);
         campo->setEditText(QString());
@@ -42,13 +42,13 @@ frmTurno::frmTurno(QWidget *parent)
     // Picture buttons between the lists.
     const QStyle::StandardPixmap iconos[] = {QStyle::SP_MediaSeekForward, QStyle::SP_ArrowRight,
                                              QStyle::SP_ArrowLeft, QStyle::SP_MediaSeekBackward};
-    for (int i = 2; i <= 5; ++i)
-        cmdButton(i)->setIcon(style()->standardIcon(iconos[i - 2]));
+    for (int i = Boton::AgregaTodos; i <= Boton::QuitaTodos; ++i)
+        cmdButton(i)->setIcon(style()->standardIcon(iconos[i - Boton::AgregaTodos]));
     for (int i : cmdButton.indices())
         connect(cmdButton(i), &QAbstractButton::clicked, this, [this, i] { cmdButton_Click(i); });
     // Escape is "&Cancelar".
     auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-    connect(escape, &QShortcut::activated, this, [this] { cmdButton_Click(1); });
+    connect(escape, &QShortcut::activated, this, [this] { cmdButton_Click(Boton::Cancelar); });
 }
 
 frmTurno::~frmTurno()
@@ -64,36 +64,45 @@ QString frmTurno::texto(int indice) const
 void frmTurno::Form_Load()
 {
     atrapa(QStringLiteral("Form_Load"), [this] {
-        for (const char *dia :
-             {"Lunes", "Martes", "Miercoles", "Jueves", "Viernes", "Sabado", "Dimingo"})
-            cmbFields(4)->addItem(QString::fromLatin1(dia));
         AccesoDatos *datos = modulo::accesoDatos();
-        // No hour 0: the lists run from 01:00 to 24:30.
-        for (int hora = 1; hora <= 24; ++hora) {
-            const QString hh = datos->TextoConCeros(hora, 2);
-            for (int campo : {1, 2, 3, 5}) {
-                cmbFields(campo)->addItem(hh + QStringLiteral(":00"));
-                cmbFields(campo)->addItem(hh + QStringLiteral(":30"));
-            }
-        }
-        for (int i = 0; i < 6; ++i) {
-            cmbFields(i)->setCurrentIndex(-1);
-            cmbFields(i)->setEditText(QString());
-        }
-        if (Modo == u"MODIFICACION") {
-            const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
-            RecordsetPtr rs = datos->Consulta(turnos::selectTurno(Turno), conexion, VTrue);
-            const char *columnas[] = {"Turno",  "Entrada",  "comida",
-                                      "Salida", "Descanso", "regcomida"};
-            for (int i = 0; i < 6; ++i)
-                cmbFields(i)->setEditText(rs->text(QString::fromLatin1(columnas[i])));
-        }
+        llenaHorarios(datos);
+        if (Modo == u"MODIFICACION")
+            cargaTurno(datos);
         LLenaEmpleados();
         LLenaEmpleadosTurno();
         RemueveEnTurno();
-        cmbFields(0)->setFocus(Qt::OtherFocusReason);
+        cmbFields(Campo::Turno)->setFocus(Qt::OtherFocusReason);
         datos->PreparaVentana(this, Ambiente, QString());
     });
+}
+
+// The rest days and the half hours; every field starts empty.
+void frmTurno::llenaHorarios(AccesoDatos *datos)
+{
+    for (const char *dia :
+         {"Lunes", "Martes", "Miercoles", "Jueves", "Viernes", "Sabado", "Dimingo"})
+        cmbFields(Campo::Descanso)->addItem(QString::fromLatin1(dia));
+    // No hour 0: the lists run from 01:00 to 24:30.
+    for (int hora = 1; hora <= 24; ++hora) {
+        const QString hh = datos->TextoConCeros(hora, 2);
+        for (int campo : {Campo::Entrada, Campo::Comida, Campo::Salida, Campo::RegresoComida}) {
+            cmbFields(campo)->addItem(hh + QStringLiteral(":00"));
+            cmbFields(campo)->addItem(hh + QStringLiteral(":30"));
+        }
+    }
+    for (int i = 0; i < Campo::Cuantos; ++i) {
+        cmbFields(i)->setCurrentIndex(-1);
+        cmbFields(i)->setEditText(QString());
+    }
+}
+
+void frmTurno::cargaTurno(AccesoDatos *datos)
+{
+    const QSqlDatabase conexion = modulo::requiere(Ambiente)->Conexion();
+    RecordsetPtr rs = datos->Consulta(turnos::selectTurno(Turno), conexion, VTrue);
+    const char *columnas[] = {"Turno", "Entrada", "comida", "Salida", "Descanso", "regcomida"};
+    for (int i = 0; i < Campo::Cuantos; ++i)
+        cmbFields(i)->setEditText(rs->text(QString::fromLatin1(columnas[i])));
 }
 
 void frmTurno::Form_Unload(qint16 &)
@@ -107,23 +116,23 @@ void frmTurno::cmdButton_Click(int Index)
 {
     atrapa(QStringLiteral("cmdButton_Click"), [this, Index] {
         switch (Index) {
-        case 0:
+        case Boton::Aceptar:
             if (SalvaCambios())
                 descarga();
             break;
-        case 1:
+        case Boton::Cancelar:
             descarga();
             break;
-        case 2:
+        case Boton::AgregaTodos:
             AgregaTodosLosUsuarios();
             break;
-        case 3:
+        case Boton::Agrega:
             AgregaUsuario();
             break;
-        case 4:
+        case Boton::Quita:
             QuitarUsuario();
             break;
-        case 5:
+        case Boton::QuitaTodos:
             QuitaTodosLosUsuarios();
             break;
         default:
@@ -154,60 +163,78 @@ bool frmTurno::SalvaCambios()
         AccesoDatos *datos = modulo::accesoDatos();
         zuvi::Ambiente *ambiente = modulo::requiere(Ambiente);
         const QSqlDatabase conexion = ambiente->Conexion();
-        if (Modo == u"ALTA") {
-            RecordsetPtr rs = datos->Consulta(turnos::existeTurno(Trim(texto(0))), conexion, VTrue);
-            if (!rs->atEnd()) {
-                avisa(832);
-                PonFoco(cmbFields(0));
-                return;
-            }
-        }
-        // Fields in the order they are checked, with the message of each.
-        const std::pair<int, qint32> obligatorios[] = {{0, 833}, {1, 834}, {2, 835},
-                                                       {5, 836}, {3, 837}, {4, 838}};
-        for (const auto &[campo, mensaje] : obligatorios) {
-            if (fromVBool(datos->EstaVacio(texto(campo)))) {
-                avisa(mensaje);
-                PonFoco(cmbFields(campo));
-                return;
-            }
-        }
+        if (rechaza(datos, conexion))
+            return;
         std::unique_ptr<ConstructorSql> sql(datos->NuevoConstructorSql());
         if (!sql)
             throw Error(QStringLiteral("El anfitrión no entregó un constructor de sentencias."));
         sql->PonConexion(conexion);
-        if (Modo == u"MODIFICACION") {
-            sql->Tipo(QStringLiteral("UPDATE"));
-            sql->Condicion(turnos::condicionTurno(Turno));
-        } else {
-            sql->Tipo(QStringLiteral("INSERT"));
-        }
-        const QString tabla = QStringLiteral("turnos");
-        sql->AgregaCampo(tabla, QStringLiteral("turno"), texto(0));
-        sql->AgregaCampo(tabla, QStringLiteral("entrada"), texto(1));
-        sql->AgregaCampo(tabla, QStringLiteral("comida"), texto(2));
-        sql->AgregaCampo(tabla, QStringLiteral("salida"), texto(3));
-        sql->AgregaCampo(tabla, QStringLiteral("descanso"), texto(4));
-        sql->AgregaCampo(tabla, QStringLiteral("regcomida"), texto(5));
-        sql->Genera(tabla);
-        sql->Ejecuta();
-
-        // The members go under the key as it stands in the field now.
-        ambiente->EjecutaSQL(turnos::borraMiembros(texto(0)));
-        Lista *miembros = lv(1);
-        const QString turnoempleado = QStringLiteral("turnoempleado");
-        for (int i = 1; i <= miembros->cuenta(); ++i) {
-            sql->Limpia();
-            sql->Tipo(QStringLiteral("INSERT"));
-            sql->AgregaCampo(turnoempleado, QStringLiteral("turno"), texto(0));
-            sql->AgregaCampo(turnoempleado, QStringLiteral("empleado"),
-                             Trim(miembros->elemento(i)->text(0)));
-            sql->Genera(turnoempleado);
-            sql->Ejecuta();
-        }
+        guardaTurno(sql.get());
+        guardaMiembros(sql.get(), ambiente);
         salvado = true;
     });
     return salvado;
+}
+
+bool frmTurno::rechaza(AccesoDatos *datos, const QSqlDatabase &conexion)
+{
+    if (Modo == u"ALTA") {
+        RecordsetPtr rs =
+            datos->Consulta(turnos::existeTurno(Trim(texto(Campo::Turno))), conexion, VTrue);
+        if (!rs->atEnd()) {
+            avisa(832);
+            PonFoco(cmbFields(Campo::Turno));
+            return true;
+        }
+    }
+    // Fields in the order they are checked, with the message of each.
+    const std::pair<int, qint32> obligatorios[] = {
+        {Campo::Turno, 833},         {Campo::Entrada, 834}, {Campo::Comida, 835},
+        {Campo::RegresoComida, 836}, {Campo::Salida, 837},  {Campo::Descanso, 838}};
+    for (const auto &[campo, mensaje] : obligatorios) {
+        if (fromVBool(datos->EstaVacio(texto(campo)))) {
+            avisa(mensaje);
+            PonFoco(cmbFields(campo));
+            return true;
+        }
+    }
+    return false;
+}
+
+void frmTurno::guardaTurno(ConstructorSql *sql)
+{
+    if (Modo == u"MODIFICACION") {
+        sql->Tipo(QStringLiteral("UPDATE"));
+        sql->Condicion(turnos::condicionTurno(Turno));
+    } else {
+        sql->Tipo(QStringLiteral("INSERT"));
+    }
+    const QString tabla = QStringLiteral("turnos");
+    sql->AgregaCampo(tabla, QStringLiteral("turno"), texto(Campo::Turno));
+    sql->AgregaCampo(tabla, QStringLiteral("entrada"), texto(Campo::Entrada));
+    sql->AgregaCampo(tabla, QStringLiteral("comida"), texto(Campo::Comida));
+    sql->AgregaCampo(tabla, QStringLiteral("salida"), texto(Campo::Salida));
+    sql->AgregaCampo(tabla, QStringLiteral("descanso"), texto(Campo::Descanso));
+    sql->AgregaCampo(tabla, QStringLiteral("regcomida"), texto(Campo::RegresoComida));
+    sql->Genera(tabla);
+    sql->Ejecuta();
+}
+
+// The members go under the key as it stands in the field now.
+void frmTurno::guardaMiembros(ConstructorSql *sql, zuvi::Ambiente *ambiente)
+{
+    ambiente->EjecutaSQL(turnos::borraMiembros(texto(Campo::Turno)));
+    Lista *miembros = lv(Empleados::DelTurno);
+    const QString turnoempleado = QStringLiteral("turnoempleado");
+    for (int i = 1; i <= miembros->cuenta(); ++i) {
+        sql->Limpia();
+        sql->Tipo(QStringLiteral("INSERT"));
+        sql->AgregaCampo(turnoempleado, QStringLiteral("turno"), texto(Campo::Turno));
+        sql->AgregaCampo(turnoempleado, QStringLiteral("empleado"),
+                         Trim(miembros->elemento(i)->text(0)));
+        sql->Genera(turnoempleado);
+        sql->Ejecuta();
+    }
 }
 
 } // namespace zuvi

@@ -1,15 +1,15 @@
 #pragma once
 
 // The shift editor: one row of turnos, new ("ALTA") or modified
-// ("MODIFICACION"), with the employees that belong to it. lv(0) holds the
-// employees of no shift, lv(1) the members; nothing is written until
+// ("MODIFICACION"), with the employees that belong to it. One list holds the
+// employees of no shift, the other the members; nothing is written until
 // "&Aceptar" saves. The opener sets Ambiente, Modo and, to modify, Turno,
 // then shows it modally.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Lista.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 
@@ -38,6 +38,21 @@ public:
     QPointer<zuvi::Ambiente> Ambiente;
     QString Modo;  // "ALTA" or "MODIFICACION"
     QString Turno; // the key of the shift being modified
+
+    // The members of the control arrays by what they are; the value is the
+    // index (cmbFields(Campo::Entrada) is cmbFields(1)).
+    struct Campo
+    {
+        enum : int { Turno, Entrada, Comida, Salida, Descanso, RegresoComida, Cuantos };
+    };
+    struct Boton
+    {
+        enum : int { Aceptar, Cancelar, AgregaTodos, Agrega, Quita, QuitaTodos };
+    };
+    struct Empleados
+    {
+        enum : int { SinTurno, DelTurno };
+    };
 
     ArregloControles<QComboBox> cmbFields;
     ArregloControles<QAbstractButton> cmdButton;
@@ -69,6 +84,14 @@ protected:
 
 private:
     void cmdButton_Click(int Index);
+    // The steps of Form_Load and SalvaCambios.
+    void llenaHorarios(AccesoDatos *datos);
+    void cargaTurno(AccesoDatos *datos);
+    // The first check that refuses the shift, with its message; false when
+    // every check passed.
+    bool rechaza(AccesoDatos *datos, const QSqlDatabase &conexion);
+    void guardaTurno(ConstructorSql *sql);
+    void guardaMiembros(ConstructorSql *sql, zuvi::Ambiente *ambiente);
     void PonFoco(QWidget *objControl);
     // Shows a message of the catalogue as information.
     void avisa(qint32 numero);

@@ -1,9 +1,9 @@
-// The shift editor's two employee lists: lv(0) the employees of no shift,
-// lv(1) the members of this one, and the four buttons between them.
+// The shift editor's two employee lists, the employees of no shift and the
+// members of this one, and the four buttons between them.
 
 #include "shifts/frmTurno.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 #include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"
@@ -45,14 +45,17 @@ void frmTurno::llenaEmpleados(Lista *lista, const QString &cuenta, const QString
 
 void frmTurno::LLenaEmpleados()
 {
-    atrapa(QStringLiteral("LLenaEmpleados"),
-           [this] { llenaEmpleados(lv(0), turnos::cuentaEmpleados(), turnos::selectEmpleados()); });
+    atrapa(QStringLiteral("LLenaEmpleados"), [this] {
+        llenaEmpleados(lv(Empleados::SinTurno), turnos::cuentaEmpleados(),
+                       turnos::selectEmpleados());
+    });
 }
 
 void frmTurno::LLenaEmpleadosTurno()
 {
     atrapa(QStringLiteral("LLenaEmpleadosTurno"), [this] {
-        llenaEmpleados(lv(1), turnos::cuentaMiembros(texto(0)), turnos::selectMiembros(texto(0)));
+        llenaEmpleados(lv(Empleados::DelTurno), turnos::cuentaMiembros(texto(Campo::Turno)),
+                       turnos::selectMiembros(texto(Campo::Turno)));
     });
 }
 
@@ -71,12 +74,12 @@ void frmTurno::RemueveEnTurno()
 
 void frmTurno::Remueve(const QString &cKey)
 {
-    atrapa(QStringLiteral("Remueve"), [this, &cKey] { lv(0)->quita(cKey); });
+    atrapa(QStringLiteral("Remueve"), [this, &cKey] { lv(Empleados::SinTurno)->quita(cKey); });
 }
 
 void frmTurno::Remueve2(const QString &cKey)
 {
-    atrapa(QStringLiteral("Remueve2"), [this, &cKey] { lv(1)->quita(cKey); });
+    atrapa(QStringLiteral("Remueve2"), [this, &cKey] { lv(Empleados::DelTurno)->quita(cKey); });
 }
 
 void frmTurno::mueveUno(Lista *de, Lista *a)
@@ -94,7 +97,7 @@ void frmTurno::mueveUno(Lista *de, Lista *a)
     const QString clave = Lista::clave(seleccionado);
     const int fila = de->indexOfTopLevelItem(seleccionado);
     a->agrega(clave, seleccionado->text(0), {Lista::subElemento(seleccionado, 1)});
-    if (de == lv(0))
+    if (de == lv(Empleados::SinTurno))
         Remueve(clave);
     else
         Remueve2(clave);
@@ -114,22 +117,26 @@ void frmTurno::mueveTodos(Lista *de, Lista *a)
 
 void frmTurno::AgregaUsuario()
 {
-    atrapa(QStringLiteral("AgregaUsuario"), [this] { mueveUno(lv(0), lv(1)); });
+    atrapa(QStringLiteral("AgregaUsuario"),
+           [this] { mueveUno(lv(Empleados::SinTurno), lv(Empleados::DelTurno)); });
 }
 
 void frmTurno::QuitarUsuario()
 {
-    atrapa(QStringLiteral("QuitarUsuario"), [this] { mueveUno(lv(1), lv(0)); });
+    atrapa(QStringLiteral("QuitarUsuario"),
+           [this] { mueveUno(lv(Empleados::DelTurno), lv(Empleados::SinTurno)); });
 }
 
 void frmTurno::AgregaTodosLosUsuarios()
 {
-    atrapa(QStringLiteral("AgregaTodosLosUsuarios"), [this] { mueveTodos(lv(0), lv(1)); });
+    atrapa(QStringLiteral("AgregaTodosLosUsuarios"),
+           [this] { mueveTodos(lv(Empleados::SinTurno), lv(Empleados::DelTurno)); });
 }
 
 void frmTurno::QuitaTodosLosUsuarios()
 {
-    atrapa(QStringLiteral("QuitaTodosLosUsuarios"), [this] { mueveTodos(lv(1), lv(0)); });
+    atrapa(QStringLiteral("QuitaTodosLosUsuarios"),
+           [this] { mueveTodos(lv(Empleados::DelTurno), lv(Empleados::SinTurno)); });
 }
 
 } // namespace zuvi

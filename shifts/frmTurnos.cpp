@@ -1,6 +1,6 @@
 #include "shifts/frmTurnos.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 #include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"
@@ -56,7 +56,7 @@ void frmTurnos::Form_Load()
         MonthView1->setSelectedDate(QDate::currentDate());
         LLenaTurnos();
         LLenaHorarios();
-        lv(0)->setFocus(Qt::OtherFocusReason);
+        lv(Listas::Turnos)->setFocus(Qt::OtherFocusReason);
         modulo::accesoDatos()->PreparaVentana(this, Ambiente, QString());
     });
 }
@@ -71,7 +71,7 @@ void frmTurnos::Form_Unload(qint16 &)
 void frmTurnos::LLenaTurnos()
 {
     atrapa(QStringLiteral("LLenaTurnos"), [this] {
-        Lista *lista = lv(0);
+        Lista *lista = lv(Listas::Turnos);
         lista->ponColumnas({{"Turno", "Turno"},
                             {"Entrada", "Entrada"},
                             {"Comida", "Comida"},
@@ -98,7 +98,7 @@ void frmTurnos::cmdTurnos_Click()
 void frmTurnos::cmdModificar_Click()
 {
     atrapa(QStringLiteral("cmdModificar_Click"), [this] {
-        QTreeWidgetItem *seleccionado = lv(0)->seleccionado();
+        QTreeWidgetItem *seleccionado = lv(Listas::Turnos)->seleccionado();
         if (!seleccionado)
             return;
         // The key as the item holds it, untrimmed.
@@ -121,13 +121,13 @@ void frmTurnos::abreEditor(const QString &modo, const QString &turno)
     // goes on in the catalogue.
     raise();
     activateWindow();
-    lv(0)->setFocus(Qt::OtherFocusReason);
+    lv(Listas::Turnos)->setFocus(Qt::OtherFocusReason);
 }
 
 void frmTurnos::cmdEliminar_Click()
 {
     atrapa(QStringLiteral("cmdEliminar_Click"), [this] {
-        QTreeWidgetItem *seleccionado = lv(0)->seleccionado();
+        QTreeWidgetItem *seleccionado = lv(Listas::Turnos)->seleccionado();
         if (!seleccionado)
             return;
         zuvi::Ambiente *ambiente = modulo::requiere(Ambiente);

@@ -3,12 +3,12 @@
 // The shift catalogue: the shifts with their hours, the dated schedule of the
 // selected shift for the calendar's date, and the start of the schedule
 // generation, which the host's process control runs under "TURNOS003"
-// reading Combo1, MonthView1 and lv(0) from this window.
+// reading Combo1, MonthView1 and the list of shifts from this window.
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
 #include "controls/Lista.h"
 #include "controls/Ventana.h"
+#include "core/Exporta.h"
 
 #include <QPointer>
 
@@ -43,6 +43,11 @@ public:
     QComboBox *Combo1 = nullptr;
     QCalendarWidget *MonthView1 = nullptr;
     QProgressBar *ProgressBar1 = nullptr;
+    // The two lists by what they show; the value is the index.
+    struct Listas
+    {
+        enum : int { Turnos, Horarios };
+    };
     ArregloControles<Lista> lv;
 
     QObject *ambienteObjeto() const { return Ambiente.data(); }

@@ -3,7 +3,7 @@
 
 #include "shifts/frmTurnos.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "runtime/Text.h"
 #include "shifts/LlenaLista.h"
 #include "shifts/SentenciasTurnos.h"
@@ -16,14 +16,14 @@ void frmTurnos::LLenaHorarios()
 {
     atrapa(QStringLiteral("LLenaHorarios"), [this] {
         const QDate fecha = MonthView1->selectedDate();
-        Lista *lista = lv(1);
+        Lista *lista = lv(Listas::Horarios);
         lista->ponColumnas({{"id", "id"},
                             {"Empleado", "Empleado"},
                             {"Fecha", "Fecha"},
                             {"HoraEntrada", "Hora Entrada"},
                             {"Comida", "Comnida"},
                             {"HoraSalida", "Hora Salida"}});
-        QTreeWidgetItem *seleccionado = lv(0)->seleccionado();
+        QTreeWidgetItem *seleccionado = lv(Listas::Turnos)->seleccionado();
         if (!seleccionado)
             return;
         AccesoDatos *datos = modulo::accesoDatos();

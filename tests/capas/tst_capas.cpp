@@ -1,6 +1,7 @@
 // The arrows between the folders run one way: nothing in the module reaches
 // into the host or the shell, the contract sees only the runtime, and the
-// runtime has no widgets.
+// runtime has no widgets. Inside the module: core <- controls <- the windows
+// (fractions, orders, shifts, none over another) <- component <- its plugin.
 
 #include <QDir>
 #include <QDirIterator>
@@ -17,6 +18,18 @@ struct Inclusion
     QString cabecera;
 };
 
+// "component/x.h" -> "component"; the plugin is a layer of its own, and a
+// header without a folder has none.
+QString carpetaDe(const QString &ruta)
+{
+    if (ruta.startsWith(QLatin1String("component/plugin/")))
+        return QStringLiteral("component/plugin");
+    const qsizetype barra = ruta.indexOf(u'/');
+    return barra < 0 ? QString() : ruta.left(barra);
+}
+
+// Every include of the folder's own sources (not of a folder inside it that
+// is a layer of its own).
 QList<Inclusion> inclusionesDe(const QString &carpeta)
 {
     static const QRegularExpression directiva(
@@ -26,25 +39,19 @@ QList<Inclusion> inclusionesDe(const QString &carpeta)
     QDirIterator it(raiz, {"*.h", "*.cpp", "*.ui"}, QDir::Files, QDirIterator::Subdirectories);
     while (it.hasNext()) {
         QFile f(it.next());
-        if (!f.open(QIODevice::ReadOnly | QIODevice::Text))
+        const QString archivo =
+            QDir(QStringLiteral(ZUVI_SOURCE_DIR)).relativeFilePath(f.fileName());
+        if (carpetaDe(archivo) != carpeta || !f.open(QIODevice::ReadOnly | QIODevice::Text))
             continue;
         int n = 0;
         while (!f.atEnd()) {
             ++n;
             const auto m = directiva.match(QString::fromUtf8(f.readLine()));
             if (m.hasMatch())
-                lista.append({QDir(QStringLiteral(ZUVI_SOURCE_DIR)).relativeFilePath(f.fileName()),
-                              n, m.captured(1)});
+                lista.append({archivo, n, m.captured(1)});
         }
     }
     return lista;
-}
-
-// "component/x.h" -> "component"; a header without a folder has none.
-QString carpetaDe(const QString &cabecera)
-{
-    const qsizetype barra = cabecera.indexOf(u'/');
-    return barra < 0 ? QString() : cabecera.left(barra);
 }
 
 } // namespace
@@ -58,12 +65,20 @@ private slots:
     {
         QTest::addColumn<QString>("carpeta");
         QTest::addColumn<QStringList>("permitidas");
-        const QStringList modulo = {"runtime",   "contract", "component", "controls",
-                                    "fractions", "orders",   "shifts"};
+        const QStringList core = {"runtime", "contract", "core"};
+        const QStringList controls = core + QStringList{"controls"};
+        const QStringList component =
+            controls + QStringList{"fractions", "orders", "shifts", "component"};
         QTest::newRow("runtime") << "runtime" << QStringList{"runtime"};
         QTest::newRow("contract") << "contract" << QStringList{"runtime", "contract"};
-        for (const char *c : {"component", "controls", "fractions", "orders", "shifts"})
-            QTest::newRow(c) << QString::fromLatin1(c) << modulo;
+        QTest::newRow("core") << "core" << core;
+        QTest::newRow("controls") << "controls" << controls;
+        for (const char *ventanas : {"fractions", "orders", "shifts"})
+            QTest::newRow(ventanas) << QString::fromLatin1(ventanas)
+                                    << controls + QStringList{QString::fromLatin1(ventanas)};
+        QTest::newRow("component") << "component" << component;
+        QTest::newRow("component/plugin")
+            << "component/plugin" << component + QStringList{"component/plugin"};
         QTest::newRow("host") << "host" << QStringList{"runtime", "contract", "host"};
         QTest::newRow("app") << "app" << QStringList{"runtime", "contract", "host", "app"};
     }
@@ -74,9 +89,9 @@ private slots:
     {
         QFETCH(QString, carpeta);
         QFETCH(QStringList, permitidas);
-        static const QStringList nuestras = {"runtime",   "contract", "component", "controls",
-                                             "fractions", "orders",   "shifts",    "host",
-                                             "app",       "tests"};
+        static const QStringList nuestras = {"runtime",          "contract", "core",   "controls",
+                                             "fractions",        "orders",   "shifts", "component",
+                                             "component/plugin", "host",     "app",    "tests"};
         QStringList fuera;
         const QList<Inclusion> inclusiones = inclusionesDe(carpeta);
         QVERIFY2(!inclusiones.isEmpty() || carpeta == u"orders" || carpeta == u"shifts",

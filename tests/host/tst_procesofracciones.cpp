@@ -1,7 +1,7 @@
 // Runs on SQLite and again on MariaDB.
 
-#include "component/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "fractions/frmFracciones.h"
 #include "host/servicios/AmbienteAnfitrion.h"
 #include "runtime/Error.h"

@@ -5,7 +5,7 @@
 // the ones in vetados), and helpers that read back the rows written and
 // drive the window with real key events.
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "component/Produccion.h"
 #include "controls/Rejilla.h"
 #include "host/procesos/Procesos.h"

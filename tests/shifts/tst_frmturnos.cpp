@@ -4,7 +4,7 @@
 
 #include "apoyoturnos.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"
 

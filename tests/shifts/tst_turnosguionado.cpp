@@ -3,7 +3,7 @@
 
 #include "apoyoturnos.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "host/servicios/AccesoDatosAnfitrion.h"
 #include "runtime/ClassRegistry.h"
 #include "shifts/SentenciasTurnos.h"

@@ -1,6 +1,6 @@
 #include "tests/support/AnfitrionGuionado.h"
 
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 #include "host/servicios/AccesoDatosAnfitrion.h"
 #include "runtime/ClassRegistry.h"
 #include "runtime/Error.h"

@@ -1,4 +1,4 @@
-#include "component/Modulo.h"
+#include "core/Modulo.h"
 
 #include "runtime/Error.h"
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "component/Export.h"
 #include "contract/Servicios.h"
+#include "core/Exporta.h"
 
 namespace zuvi::modulo {
 

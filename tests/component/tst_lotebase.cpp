@@ -9,6 +9,7 @@
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/CapturaReportes.h"
 #include "tests/support/InteraccionGuionada.h"
+#include "tests/support/Ventanas.h"
 
 #include <QSqlQuery>
 #include <QTest>
@@ -57,45 +58,42 @@ private Q_SLOTS:
         anfitrion::ponManejadorProceso(QStringLiteral("OPAUTO002"), {});
     }
 
-    void movimientosYExistencias_data()
-    {
-        QTest::addColumn<bool>("des");
-        QTest::addColumn<int>("op");
-        QTest::addColumn<QString>("conceptos"); // concept, order, folio: of the parts/of the kit
-        QTest::newRow("ensamble con orden") << false << 1 << "OP 1 45429/OP 1 45429";
-        QTest::newRow("ensamble sin orden") << false << 0 << "EN 1 1/DE 1 1";
-        QTest::newRow("desensamble con orden") << true << 2 << "COP 2 45429/COP 2 45429";
-        QTest::newRow("desensamble sin orden") << true << 0 << "DES 1 1/DEN 1 1";
-    }
     void movimientosYExistencias()
     {
-        QFETCH(bool, des);
-        QFETCH(int, op);
-        QFETCH(QString, conceptos);
-        const QStringList c = conceptos.split('/');
-        des ? p->Desensamble("SOPORTE", 2.5, 3, op) : p->Ensamble("SOPORTE", 3, 3, op);
-        // SOPORTE: 4 TORN-01, 4 TUER-01 and 1 PLAC-01 each; 12 of them in warehouse 3.
-        QStringList e{"S # 1 TORN-01 12 0.5", "S # 1 TUER-01 12 0.3", "S # 1 PLAC-01 3 12",
-                      "E $ 3 SOPORTE 3 45.6"};
-        if (des)
-            e = QStringList{"E # 1 TORN-01 10 0.5", "E # 1 TUER-01 10 0.3", "E # 1 PLAC-01 2.5 12",
-                            "S $ 3 SOPORTE 2.5 38"};
-        QCOMPARE(base->filas(kMovimientos),
-                 e.replaceInStrings("#", c[0]).replaceInStrings("$", c[1]));
-        QCOMPARE(existencias(),
-                 QString(des ? "SOPORTE 3 9.5, TORN-01 1 5010" : "SOPORTE 3 15, TORN-01 1 4988"));
+        const struct
+        {
+            bool des;
+            int op;
+            const char *conceptos; // concept, order, folio: of the parts/of the kit
+        } casos[] = {{false, 1, "OP 1 45429/OP 1 45429"},
+                     {false, 0, "EN 1 1/DE 1 1"},
+                     {true, 2, "COP 2 45429/COP 2 45429"},
+                     {true, 0, "DES 1 1/DEN 1 1"}};
+        for (const auto &caso : casos) {
+            cleanup();
+            init();
+            const QStringList c = QString(caso.conceptos).split('/');
+            caso.des ? p->Desensamble("SOPORTE", 2.5, 3, caso.op)
+                     : p->Ensamble("SOPORTE", 3, 3, caso.op);
+            // SOPORTE: 4 TORN-01, 4 TUER-01 and 1 PLAC-01 each; 12 of them in warehouse 3.
+            QStringList e{"S # 1 TORN-01 12 0.5", "S # 1 TUER-01 12 0.3", "S # 1 PLAC-01 3 12",
+                          "E $ 3 SOPORTE 3 45.6"};
+            if (caso.des)
+                e = QStringList{"E # 1 TORN-01 10 0.5", "E # 1 TUER-01 10 0.3",
+                                "E # 1 PLAC-01 2.5 12", "S $ 3 SOPORTE 2.5 38"};
+            QCOMPARE(base->filas(kMovimientos),
+                     e.replaceInStrings("#", c[0]).replaceInStrings("$", c[1]));
+            QCOMPARE(existencias(), QString(caso.des ? "SOPORTE 3 9.5, TORN-01 1 5010"
+                                                     : "SOPORTE 3 15, TORN-01 1 4988"));
+        }
     }
 
     void movimientoAtomico()
     {
         // A stock change the database refuses takes the movement row with it.
-        base->ejecuta(BaseDePrueba::enMariaDB()
-                          ? "CREATE TRIGGER bloquea BEFORE UPDATE ON existencias FOR EACH ROW "
-                            "SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT = 'bloqueada'"
-                          : "CREATE TRIGGER bloquea BEFORE UPDATE ON existencias BEGIN "
-                            "SELECT RAISE(ABORT, 'bloqueada'); END");
+        QVERIFY(fallaAl(*base, "UPDATE", "existencias"));
         p->Ensamble(QStringLiteral("SOPORTE"), 3, 3, 1);
-        QVERIFY(reportes->textos.size() == 1 && reportes->textos[0].contains("bloqueada"));
+        QVERIFY(reportes->textos.size() == 1 && reportes->textos[0].contains("La base se perdio"));
         QCOMPARE(base->filas(kMovimientos), QStringList());
         QCOMPARE(existencias(), QString("SOPORTE 3 12, TORN-01 1 5000"));
     }

@@ -1,7 +1,11 @@
 // The batch operations against the scripted host: the order and arguments of
-// every host call, the process gate, and the failure rules.
+// every host call, the process gate, and the failure rules; and as a host that
+// wraps the component sees them: every method takes the environment through
+// the class's own Ambiente property, and an assembly that the host vetoes
+// while leaving argument (2) empty stops silently after closing the process.
 
 #include "component/Produccion.h"
+#include "runtime/ClassRegistry.h"
 #include "runtime/Error.h"
 #include "tests/support/AnfitrionGuionado.h"
 
@@ -21,8 +25,6 @@ const QString kGate = "| Ambiente | QString:'' | nada | -1 | 0 | '' | nulo | '' 
 const QString kSinFila =
     "No hay registro actual: el conjunto de registros está vacío o ya está al final.";
 
-const auto fila = [](const char *n, const auto &...v) { (QTest::newRow(n) << ... << v); };
-
 struct Banco : pruebas::AnfitrionGuionado
 {
     Produccion p;
@@ -41,6 +43,33 @@ struct Banco : pruebas::AnfitrionGuionado
     }
 };
 
+// A host's wrapper: the environment comes only from its own Ambiente.
+struct Envoltura : Produccion
+{
+    zuvi::Ambiente *propio = nullptr;
+    zuvi::Ambiente *Ambiente() const override { return propio; }
+};
+
+// Process control that empties argument (2) and leaves the veto as told.
+struct ProcesosSinDocumento : ControlProcesos
+{
+    explicit ProcesosSinDocumento(pruebas::AnfitrionGuionado *h, bool veta) : h(h), veta(veta) {}
+    void IniciaProceso(ArgumentosProceso &a) override
+    {
+        h->anota("IniciaProceso", {a.proceso});
+        a.objeto = nullptr;
+    }
+    void ConsultaProceso(VBool &bandera) override
+    {
+        h->anota("ConsultaProceso", {QString::number(bandera)});
+        bandera = toVBool(veta);
+    }
+    void ImprimeReporte(const QString &, qint32, zuvi::Ambiente *, QObject *) override {}
+    void CierraProceso(qint32 v) override { h->anota("CierraProceso", {QString::number(v)}); }
+    pruebas::AnfitrionGuionado *h;
+    bool veta;
+};
+
 } // namespace
 
 class TstLoteGuionado : public QObject
@@ -49,140 +78,201 @@ class TstLoteGuionado : public QObject
 
 private Q_SLOTS:
     // Without an order: 6 K1 assembled into warehouse 2, or 1.5 taken apart from there.
-    void ensambleYDesensamble_data()
-    {
-        QTest::addColumn<bool>("des");
-        QTest::addColumn<QVariant>("minimo");
-        QTest::addColumn<QString>("error");       // the description reported
-        QTest::addColumn<QString>("movimientos"); // each "tipo almacen articulo cantidad"
-        fila("ensamble", false, QVariant(4), "", "S 3 C1 3,S 4 C2 1.5,E 2 K1 6");
-        fila("desensamble", true, QVariant(4), "", "E 3 C1 0.75,E 4 C2 0.375,S 2 K1 1.5");
-        fila("ensamble vetado consulta y no mueve", false, QVariant(4), "", "");
-        fila("desensamble vetado no consulta nada", true, QVariant(4), "", "");
-        fila("ensamble sin fila en prods", false, QVariant(4), kSinFila, "S 3 C1 3");
-        fila("desensamble sin fila en prods", true, QVariant(4), kSinFila, "E 3 C1 0.75");
-        fila("ensamble Minimo 0", false, QVariant(0), "División por cero.", "");
-        fila("desensamble Minimo nulo", true, QVariant(), "Uso no válido de Null.", "");
-        // Each round takes 0.75 of the kit C1 apart: 1.5 C2 into warehouse 5, C1 out of 2.
-        fila("desensamble repite el subkit hasta que su consulta falla", true, QVariant(4),
-             "Se perdió la conexión", QStringList(3, "E 5 C2 1.5,S 2 C1 0.75").join(','));
-    }
     void ensambleYDesensamble()
     {
-        QFETCH(bool, des);
-        QFETCH(QVariant, minimo);
-        QFETCH(QString, error);
-        QFETCH(QString, movimientos);
-        Banco h;
-        h.recetaK1(minimo, error != kSinFila);
-        if (error.isEmpty() && movimientos.isEmpty()) // neither: the gate vetoes
-            h.vetadas = {"DESEM007", "OPAUTO002"};
-        if (error == "Se perdió la conexión") { // C1 is a kit of C2; its line never advances
-            h.responde(kProdsDes + "C1'", Recordset(kProd, {{"C1", 1, 0.0}}));
-            h.responde(kComppart + "C1'", Recordset(kPartes, {{"C2", 2, 5}}));
-            h.responde(kComponen + "C1'", Recordset({"Minimo"}, {{1}}));
-            h.fallas.insert(kProdsDes + "C1'", {3, error});
-        }
-        des ? h.p.Desensamble("K1", 1.5, 2, 0) : h.p.Ensamble("K1", 2, 6, 0);
-        QCOMPARE(h.movimientos.join(',').remove("Documento1 ").remove("500 "), movimientos);
-        const QString donde = des ? "Desensamble" : "Ensamble";
-        QCOMPARE(h.reportes(),
-                 QStringList(!error.isEmpty(), errorReportText("Produccion", donde, error)));
-        if (!error.isEmpty())
-            return;
+        const struct
+        {
+            bool des;
+            QVariant minimo;
+            QString error;       // the description reported
+            QString movimientos; // each "tipo almacen articulo cantidad"
+        } casos[] = {
+            {false, QVariant(4), "", "S 3 C1 3,S 4 C2 1.5,E 2 K1 6"},
+            {true, QVariant(4), "", "E 3 C1 0.75,E 4 C2 0.375,S 2 K1 1.5"},
+            {false, QVariant(4), "", ""},                 // vetoed: queries, moves nothing
+            {true, QVariant(4), "", ""},                  // vetoed: queries nothing
+            {false, QVariant(4), kSinFila, "S 3 C1 3"},   // no prods row
+            {true, QVariant(4), kSinFila, "E 3 C1 0.75"}, // no prods row
+            {false, QVariant(0), "División por cero.", ""},
+            {true, QVariant(), "Uso no válido de Null.", ""},
+            // Each round takes 0.75 of the kit C1 apart: 1.5 C2 into warehouse 5, C1 out of 2;
+            // the subkit is taken apart again until its query fails.
+            {true, QVariant(4), "Se perdió la conexión",
+             QStringList(3, "E 5 C2 1.5,S 2 C1 0.75").join(',')},
+        };
+        for (const auto &c : casos) {
+            Banco h;
+            h.recetaK1(c.minimo, c.error != kSinFila);
+            if (c.error.isEmpty() && c.movimientos.isEmpty()) // neither: the gate vetoes
+                h.vetadas = {"DESEM007", "OPAUTO002"};
+            if (c.error == "Se perdió la conexión") { // C1 is a kit of C2; its line never advances
+                h.responde(kProdsDes + "C1'", Recordset(kProd, {{"C1", 1, 0.0}}));
+                h.responde(kComppart + "C1'", Recordset(kPartes, {{"C2", 2, 5}}));
+                h.responde(kComponen + "C1'", Recordset({"Minimo"}, {{1}}));
+                h.fallas.insert(kProdsDes + "C1'", {3, c.error});
+            }
+            c.des ? h.p.Desensamble("K1", 1.5, 2, 0) : h.p.Ensamble("K1", 2, 6, 0);
+            QCOMPARE(h.movimientos.join(',').remove("Documento1 ").remove("500 "), c.movimientos);
+            const QString donde = c.des ? "Desensamble" : "Ensamble";
+            QCOMPARE(h.reportes(), QStringList(!c.error.isEmpty(),
+                                               errorReportText("Produccion", donde, c.error)));
+            if (!c.error.isEmpty())
+                continue;
 
-        const QStringList r{"Consulta: " + kComppart + "K1'", "Consulta: " + kComponen + "K1'"};
-        const QString gate = des ? "DESEM007 | zuvi::Produccion " : "OPAUTO002 | Documento1 ";
-        QStringList e{"IniciaProceso: " + gate + kGate, "ConsultaProceso: -1"};
-        e = des ? e + QStringList{r[1], r[0]} : r + e; // taking apart, the gate comes first
-        const QStringList k = // concepts; quantities of C1, C2 and K1; K1's cost
-            QString(des ? "DES DEN 0.75 0.375 1.5 9.375" : "EN DE 3 1.5 6 37.5").split(' ');
-        const QString d = "Documento1: ", prods = "Consulta: " + (des ? kProdsDes : kProdsEns);
-        // The number drawn becomes the order, the document number the folio.
-        e << d + "Ambiente=Ambiente DatoDocumento=QString:DOC Tipo=" + (des ? "E" : "S")
-          << "ComponeFecha: 11 | 22" << d + "Fecha=2024-05-17"
-          << QString("SiguienteFolio: %1 | 0 | nada").arg(des ? "DESENSAMB" : "ENSAMBLE")
-          << d + "Orden=500 Concepto=" + k[0] + " Usuario=PRUEBA DatoFecha=77 Folio=77";
-        e << prods + "C1'" << d + "Almacen=3 Articulo=C1 Cantidad=" + k[2] + " Costo=10 Aplica=0"
-          << prods + "C2'" << d + "Almacen=4 Articulo=C2 Cantidad=" + k[3] + " Costo=5 Aplica=0"
-          << d + "Concepto=" + k[1] + " Tipo=" + (des ? "S" : "E") +
-                 " Almacen=2 Articulo=K1 Cantidad=" + k[4] + " Costo=" + k[5] + " Aplica=0";
-        if (!h.vetadas.isEmpty()) // the veto closes the process; taking apart, before any query
-            e = e.mid(0, des ? 2 : 4) << "CierraProceso: 0";
-        QCOMPARE(h.registro, e);
+            const QStringList r{"Consulta: " + kComppart + "K1'", "Consulta: " + kComponen + "K1'"};
+            const QString gate = c.des ? "DESEM007 | zuvi::Produccion " : "OPAUTO002 | Documento1 ";
+            QStringList e{"IniciaProceso: " + gate + kGate, "ConsultaProceso: -1"};
+            e = c.des ? e + QStringList{r[1], r[0]} : r + e; // taking apart, the gate comes first
+            const QStringList k = // concepts; quantities of C1, C2 and K1; K1's cost
+                QString(c.des ? "DES DEN 0.75 0.375 1.5 9.375" : "EN DE 3 1.5 6 37.5").split(' ');
+            const QString d = "Documento1: ",
+                          prods = "Consulta: " + (c.des ? kProdsDes : kProdsEns);
+            // The number drawn becomes the order, the document number the folio.
+            e << d + "Ambiente=Ambiente DatoDocumento=QString:DOC Tipo=" + (c.des ? "E" : "S")
+              << "ComponeFecha: 11 | 22" << d + "Fecha=2024-05-17"
+              << QString("SiguienteFolio: %1 | 0 | nada").arg(c.des ? "DESENSAMB" : "ENSAMBLE")
+              << d + "Orden=500 Concepto=" + k[0] + " Usuario=PRUEBA DatoFecha=77 Folio=77";
+            e << prods + "C1'"
+              << d + "Almacen=3 Articulo=C1 Cantidad=" + k[2] + " Costo=10 Aplica=0"
+              << prods + "C2'" << d + "Almacen=4 Articulo=C2 Cantidad=" + k[3] + " Costo=5 Aplica=0"
+              << d + "Concepto=" + k[1] + " Tipo=" + (c.des ? "S" : "E") +
+                     " Almacen=2 Articulo=K1 Cantidad=" + k[4] + " Costo=" + k[5] + " Aplica=0";
+            if (!h.vetadas.isEmpty()) // the veto closes the process; taking apart, before any query
+                e = e.mid(0, c.des ? 2 : 4) << "CierraProceso: 0";
+            QCOMPARE(h.registro, e);
+        }
     }
 
-    void entrega_data()
+    void entrega()
     {
-        QTest::addColumn<int>("cuenta");           // what COUNT says
-        QTest::addColumn<QVariant>("cantidad");    // of line K1; invalid: the join finds no line
-        QTest::addColumn<QStringList>("registro"); // the window's calls, the end; K1's movement
         const QStringList fin{"EjecutaSQL: UPDATE oppart SET terminado = cantidad WHERE op = 120",
                               "Cierra", "Libera"};
         const QStringList avanza{
             "Inicia: int:2 | Entregando producto terminado | /opt/zuvi\\Images\\Gears.Avi",
             "Avanza: int:1 | Procesando: K1 | ''", "Avanza: int:2 | Procesando: B | ''"};
-        // K1 goes into the order's warehouse; B has no recipe.
-        fila("2.5 a 2", 2, QVariant(2.5), avanza + fin << "Documento1 E 120 7 K1 2");
-        fila("3.5 a 4", 2, QVariant(3.5), avanza + fin << "Documento1 E 120 7 K1 4");
-        // A line that fails ends the delivery silently: no update, no report.
-        fila("desborda 32 bits", 2, QVariant(3.0e9), avanza.mid(0, 2) << "Libera");
-        fila("sin líneas", 0, QVariant(), fin);
-        fila("sin cabecera", 2, QVariant(), avanza.mid(0, 1) + fin);
-    }
-    void entrega()
-    {
-        QFETCH(int, cuenta);
-        QFETCH(QVariant, cantidad);
-        QFETCH(QStringList, registro);
-        Banco h;
-        h.recetaK1();
-        h.responde("SELECT COUNT( * ) FROM oppart WHERE op = 120", Recordset({"c"}, {{cuenta}}));
-        if (cantidad.isValid())
-            h.responde(
-                "SELECT oppart.articulo, oppart.cantidad, op.almacen FROM oppart INNER "
-                "JOIN op USING(op) WHERE op.op = 120",
-                Recordset({"Articulo", "Cantidad", "Almacen"}, {{"K1", cantidad, 7}, {"B", 1, 7}}));
-        h.p.EntregaProductoTerminado(120);
-        const QStringList ventana =
-            h.registroDe({"Inicia", "Avanza", "EjecutaSQL", "Cierra", "Libera", "ReportaError"});
-        QCOMPARE(ventana + h.movimientos.filter(" K1 "), registro);
+        const struct
+        {
+            int cuenta;           // what COUNT says
+            QVariant cantidad;    // of line K1; invalid: the join finds no line
+            QStringList registro; // the window's calls, the end; K1's movement
+        } casos[] = {
+            // K1 goes into the order's warehouse; B has no recipe.
+            {2, 2.5, avanza + fin << "Documento1 E 120 7 K1 2"},
+            {2, 3.5, avanza + fin << "Documento1 E 120 7 K1 4"},
+            // A line that fails ends the delivery silently: no update, no report.
+            {2, 3.0e9, avanza.mid(0, 2) << "Libera"}, // overflows 32 bits
+            {0, {}, fin},                             // no lines
+            {2, {}, avanza.mid(0, 1) + fin},          // no header
+        };
+        for (const auto &c : casos) {
+            Banco h;
+            h.recetaK1();
+            h.responde("SELECT COUNT( * ) FROM oppart WHERE op = 120",
+                       Recordset({"c"}, {{c.cuenta}}));
+            if (c.cantidad.isValid())
+                h.responde("SELECT oppart.articulo, oppart.cantidad, op.almacen FROM oppart INNER "
+                           "JOIN op USING(op) WHERE op.op = 120",
+                           Recordset({"Articulo", "Cantidad", "Almacen"},
+                                     {{"K1", c.cantidad, 7}, {"B", 1, 7}}));
+            h.p.EntregaProductoTerminado(120);
+            const QStringList ventana = h.registroDe(
+                {"Inicia", "Avanza", "EjecutaSQL", "Cierra", "Libera", "ReportaError"});
+            QCOMPARE(ventana + h.movimientos.filter(" K1 "), c.registro);
+        }
     }
 
-    void cancelaOp_data()
-    {
-        QTest::addColumn<QString>("si");     // the answers: s yes, n no
-        QTest::addColumn<QString>("estado"); // empty: no such order
-        QTest::addColumn<int>("lineas");
-        QTest::addColumn<QString>("cambio"); // the statements run, before " WHERE op = 31"
-        const QString borra = "DELETE FROM op,DELETE FROM oppart";
-        fila("no en la primera", "n", "PE", 1, "");
-        fila("pendiente", "s", "PE", 2, borra);
-        fila("sin líneas", "s", "PE", 0, borra);
-        fila("confirmada se cierra, líneas quedan", "ss", "CO", 1, "UPDATE op SET cerrado = 1");
-        fila("confirmada, no en la segunda", "sn", "CO", 1, "");
-        fila("no existe", "s", "", 0, "");
-    }
     void cancelaOp()
     {
-        QFETCH(QString, si);
-        QFETCH(QString, estado);
-        QFETCH(int, lineas);
-        QFETCH(QString, cambio);
-        Banco h;
-        h.si = si;
-        if (!estado.isEmpty())
-            h.responde("SELECT * FROM op WHERE op = 31", Recordset({"Estado"}, {{estado}}));
-        h.responde("SELECT * FROM oppart WHERE op = 31",
-                   Recordset({"op"}, QList<QVariantList>(lineas, {31})));
-        QCOMPARE(h.p.CancelaOp(31), toVBool(!cambio.isEmpty())); // true when it changed the order
-        QStringList e{"Pregunta: Mensaje 757 | 2"};
-        if (si.size() > 1) // a confirmed order is only closed on a second yes
-            e << "Pregunta: Esta orden de producción ya fue confirmada, Desea cerrar esta order "
-                 "de producción | 2";
-        for (const QString &sql : cambio.split(',', Qt::SkipEmptyParts))
-            e << "EjecutaSQL: " + sql + " WHERE op = 31";
-        QCOMPARE(h.registroDe({"Pregunta", "EjecutaSQL", "ReportaError"}), e);
+        const QString borra = "DELETE FROM op,DELETE FROM oppart";
+        const struct
+        {
+            QString si;     // the answers: s yes, n no
+            QString estado; // empty: no such order
+            int lineas;
+            QString cambio; // the statements run, before " WHERE op = 31"
+        } casos[] = {
+            {"n", "PE", 1, ""},
+            {"s", "PE", 2, borra},
+            {"s", "PE", 0, borra},
+            {"ss", "CO", 1, "UPDATE op SET cerrado = 1"}, // confirmed: closed, lines stay
+            {"sn", "CO", 1, ""},
+            {"s", "", 0, ""},
+        };
+        for (const auto &c : casos) {
+            Banco h;
+            h.si = c.si;
+            if (!c.estado.isEmpty())
+                h.responde("SELECT * FROM op WHERE op = 31", Recordset({"Estado"}, {{c.estado}}));
+            h.responde("SELECT * FROM oppart WHERE op = 31",
+                       Recordset({"op"}, QList<QVariantList>(c.lineas, {31})));
+            QCOMPARE(h.p.CancelaOp(31),
+                     toVBool(!c.cambio.isEmpty())); // true when it changed the order
+            QStringList e{"Pregunta: Mensaje 757 | 2"};
+            if (c.si.size() > 1) // a confirmed order is only closed on a second yes
+                e << "Pregunta: Esta orden de producción ya fue confirmada, Desea cerrar esta "
+                     "order "
+                     "de producción | 2";
+            for (const QString &sql : c.cambio.split(',', Qt::SkipEmptyParts))
+                e << "EjecutaSQL: " + sql + " WHERE op = 31";
+            QCOMPARE(h.registroDe({"Pregunta", "EjecutaSQL", "ReportaError"}), e);
+        }
+    }
+
+    void ambienteDeLaPropiedad()
+    {
+        const std::pair<const char *, QString> casos[] = {
+            // the first host call each one makes
+            {"Ensamble", "Consulta: " + kComppart + "K1'"},
+            {"Desensamble", "IniciaProceso: DESEM007 | "},
+            {"EntregaProductoTerminado", "Consulta: SELECT COUNT( * ) FROM oppart WHERE op = 9"},
+            {"CancelaOp", "Pregunta: Mensaje 757 | 2"}};
+        for (const auto &[metodo, primera] : casos) {
+            pruebas::AnfitrionGuionado h;
+            Envoltura p; // the stored member stays empty
+            p.propio = h.ambiente();
+            InterfazProduccion &i = p;
+            const QLatin1String m(metodo);
+            if (m == "Ensamble")
+                i.Ensamble("K1", 2, 6, 0);
+            else if (m == "Desensamble")
+                i.Desensamble("K1", 1.5, 2, 0);
+            else if (m == "EntregaProductoTerminado")
+                i.EntregaProductoTerminado(9);
+            else
+                i.CancelaOp(9);
+            QVERIFY2(!h.registro.isEmpty(), metodo); // ended before asking the host anything
+            QVERIFY2(h.registro.first().startsWith(primera), qPrintable(h.registro.first()));
+            QVERIFY2(!h.reportes().join('\n').contains("Ambiente"),
+                     qPrintable(h.reportes().join('\n')));
+        }
+    }
+
+    // Argument (2) left empty: no error while the host vetoes; an error at the document's
+    // first use when it lets the assembly go ahead.
+    void ensambleConArgumentoVacio()
+    {
+        for (const bool veta : {true, false}) {
+            pruebas::AnfitrionGuionado h;
+            ClassRegistry::instance().add(QStringLiteral("ControlProcesos"), [&h, veta] {
+                return new ProcesosSinDocumento(&h, veta);
+            });
+            h.respuestas.insert(kComppart + "K1'",
+                                Recordset({"Componente", "Cantidad", "Almacen"}, {{"C1", 2, 3}}));
+            h.respuestas.insert(kComponen + "K1'", Recordset({"Minimo"}, {{1}}));
+            Produccion p;
+            p.SetAmbiente(h.ambiente());
+            p.Ensamble("K1", 2, 6, 0);
+            const QStringList proceso =
+                h.registroDe({"IniciaProceso", "ConsultaProceso", "CierraProceso"});
+            QStringList esperado{"IniciaProceso: OPAUTO002", "ConsultaProceso: -1"};
+            if (veta)
+                esperado << "CierraProceso: 0";
+            QCOMPARE(proceso, esperado);
+            QCOMPARE(h.reportes().size(), veta ? 0 : 1);
+            if (!veta)
+                QVERIFY(h.reportes().first().contains("Function: Ensamble"));
+            QVERIFY(h.movimientos.isEmpty());
+        }
     }
 };
 

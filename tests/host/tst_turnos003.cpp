@@ -9,12 +9,11 @@
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"
+#include "tests/support/Ventanas.h"
 
 #include <QApplication>
 #include <QCalendarWidget>
 #include <QComboBox>
-#include <QSqlError>
-#include <QSqlQuery>
 #include <QSqlRecord>
 #include <QTemporaryDir>
 #include <QTest>
@@ -24,6 +23,7 @@
 using namespace zuvi;
 using namespace zuvi::anfitrion;
 using pruebas::BaseDePrueba;
+using pruebas::fallaAl;
 
 namespace {
 
@@ -100,51 +100,37 @@ private Q_SLOTS:
     }
     void cleanup() { m_base.reset(); }
 
-    void periodos_data()
+    // The dates a period covers from the chosen one (an invalid end: refused), and the
+    // weekday of a rest day's name (0: none).
+    void periodosYDescansos()
     {
-        QTest::addColumn<QString>("periodo");
-        QTest::addColumn<QDate>("fecha");
-        QTest::addColumn<QDate>("hasta"); // invalid: refused
-        QTest::newRow("día") << "Día" << QDate(2024, 5, 6) << QDate(2024, 5, 6);
-        QTest::newRow("semana") << "Semana" << QDate(2024, 12, 28) << QDate(2025, 1, 3);
-        QTest::newRow("mes") << "Mes" << QDate(2024, 5, 6) << QDate(2024, 6, 5);
-        QTest::newRow("mes desde el 31") << "Mes" << QDate(2024, 1, 31) << QDate(2024, 2, 28);
-        QTest::newRow("sin acento") << "dia" << QDate(2024, 5, 6) << QDate(2024, 5, 6);
-        QTest::newRow("otro") << "Quincena" << QDate(2024, 5, 6) << QDate();
-        QTest::newRow("sin fecha") << "Día" << QDate() << QDate();
-    }
-    void periodos()
-    {
-        QFETCH(QString, periodo);
-        QFETCH(QDate, fecha);
-        QFETCH(QDate, hasta);
-        try {
-            const Periodo p = periodoHorarios(periodo, fecha);
-            QCOMPARE(p.desde, fecha);
-            QCOMPARE(p.hasta, hasta);
-        } catch (const Error &) {
-            QVERIFY(!hasta.isValid());
+        const struct
+        {
+            const char *periodo;
+            QDate fecha, hasta;
+        } periodos[] = {
+            {"Día", {2024, 5, 6}, {2024, 5, 6}},
+            {"Semana", {2024, 12, 28}, {2025, 1, 3}},
+            {"Mes", {2024, 5, 6}, {2024, 6, 5}},
+            {"Mes", {2024, 1, 31}, {2024, 2, 28}},
+            {"dia", {2024, 5, 6}, {2024, 5, 6}},
+            {"Quincena", {2024, 5, 6}, {}},
+            {"Día", {}, {}},
+        };
+        for (const auto &c : periodos) {
+            try {
+                const Periodo p = periodoHorarios(QString::fromUtf8(c.periodo), c.fecha);
+                QCOMPARE(p.desde, c.fecha);
+                QCOMPARE(p.hasta, c.hasta);
+            } catch (const Error &) {
+                QVERIFY2(!c.hasta.isValid(), c.periodo);
+            }
         }
-    }
-
-    void diasDeDescanso_data()
-    {
-        QTest::addColumn<QString>("nombre");
-        QTest::addColumn<int>("dia");
-        QTest::newRow("Dimingo") << "Dimingo" << 7;
-        QTest::newRow("Domingo") << "domingo" << 7;
-        QTest::newRow("Sábado") << "Sábado" << 6;
-        QTest::newRow("Sabado") << "Sabado" << 6;
-        QTest::newRow("MIÉRCOLES") << "MIÉRCOLES" << 3;
-        QTest::newRow("con blancos") << " Lunes " << 1;
-        QTest::newRow("vacío") << "" << 0;
-        QTest::newRow("otro") << "Feriado" << 0;
-    }
-    void diasDeDescanso()
-    {
-        QFETCH(QString, nombre);
-        QFETCH(int, dia);
-        QCOMPARE(diaDescanso(nombre), dia);
+        const std::pair<const char *, int> dias[] = {
+            {"Dimingo", 7},   {"domingo", 7}, {"Sábado", 6}, {"Sabado", 6},
+            {"MIÉRCOLES", 3}, {" Lunes ", 1}, {"", 0},       {"Feriado", 0}};
+        for (const auto &[nombre, dia] : dias)
+            QCOMPARE(diaDescanso(QString::fromUtf8(nombre)), dia);
     }
 
     // The night shift over May 2024: every day but the five Fridays, hours stored as they
@@ -242,27 +228,23 @@ private Q_SLOTS:
         QCOMPARE(QFileInfo(archivo).fileName(), QStringLiteral("RolMes-2024-05-NOCHE.pdf"));
     }
 
-    void mesesDelRol_data()
-    {
-        QTest::addColumn<QString>("texto");
-        QTest::addColumn<int>("mes"); // 0: refused
-        QTest::newRow("normal") << "2024-05" << 5;
-        QTest::newRow("un dígito") << "2024-5" << 5;
-        QTest::newRow("mes 13") << "2024-13" << 0;
-        QTest::newRow("año corto") << "24-05" << 0;
-        QTest::newRow("nombre") << "mayo" << 0;
-    }
     void mesesDelRol()
     {
-        QFETCH(QString, texto);
-        QFETCH(int, mes);
-        int a = 0, m = 0;
-        try {
-            leeMes(texto, a, m);
-            QCOMPARE(m, mes);
-            QCOMPARE(a, 2024);
-        } catch (const Error &) {
-            QCOMPARE(mes, 0);
+        const std::pair<const char *, int> casos[] = {// 0: refused
+                                                      {"2024-05", 5},
+                                                      {"2024-5", 5},
+                                                      {"2024-13", 0},
+                                                      {"24-05", 0},
+                                                      {"mayo", 0}};
+        for (const auto &[texto, mes] : casos) {
+            int a = 0, m = 0;
+            try {
+                leeMes(texto, a, m);
+                QCOMPARE(m, mes);
+                QCOMPARE(a, 2024);
+            } catch (const Error &) {
+                QVERIFY2(mes == 0, texto);
+            }
         }
     }
 
@@ -271,15 +253,7 @@ private Q_SLOTS:
     void muchosEmpleadosYFallaAMedias()
     {
         muchos(300);
-        QSqlQuery q(m_base->conexion());
-        const bool creado =
-            BaseDePrueba::enMariaDB()
-                ? q.exec("CREATE TRIGGER falla BEFORE INSERT ON horarios FOR EACH ROW BEGIN IF "
-                         "NEW.Empleado = 'P0250' THEN SIGNAL SQLSTATE '45000' SET MESSAGE_TEXT "
-                         "= 'La base se perdio'; END IF; END")
-                : q.exec("CREATE TRIGGER falla BEFORE INSERT ON horarios WHEN NEW.Empleado = "
-                         "'P0250' BEGIN SELECT RAISE(ABORT, 'La base se perdio'); END");
-        QVERIFY2(creado, qPrintable(q.lastError().text()));
+        QVERIFY(fallaAl(*m_base, "INSERT", "horarios", "NEW.Empleado = 'P0250'"));
         VentanaDePrueba v("Mes", QDate(2024, 2, 1), "PMASIVO");
         QString falla;
         try {
@@ -290,7 +264,7 @@ private Q_SLOTS:
         QVERIFY2(falla.contains("La base se perdio"), qPrintable(falla));
         QCOMPARE(cuenta("horarios WHERE turno = 'MASIVO'"), 0);
         QVERIFY(v.isEnabled());
-        QVERIFY(q.exec("DROP TRIGGER falla"));
+        m_base->ejecuta("DROP TRIGGER falla");
         m_guion->olvida();
         corre(v);
         // February 2024 has 29 days, four of them Sundays.

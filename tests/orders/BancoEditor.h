@@ -15,16 +15,13 @@
 #include "orders/frmOp.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"
+#include "tests/support/Ventanas.h"
 
-#include <QApplication>
 #include <QCheckBox>
-#include <QCloseEvent>
-#include <QDateEdit>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTemporaryDir>
-#include <QTest>
 
 namespace zuvi::pruebas {
 
@@ -58,11 +55,7 @@ struct BancoEditor
     anfitrion::ManejadorProceso etiquetasReales; // the host's own "OP007"
     bool conEtiquetas = false;
 
-    QString mensaje(int n)
-    {
-        return base->escalar(QStringLiteral("SELECT texto FROM mensajes WHERE numero = %1").arg(n))
-            .toString();
-    }
+    QString mensaje(int n) { return base->mensaje(n); }
     QStringList cabecera(qint32 op)
     {
         return filas(base->conexion(), kCabecera + QString::number(op), u'|');
@@ -74,21 +67,7 @@ struct BancoEditor
     }
 
     // The one editor the last call opened, active.
-    QPointer<frmOp> editor()
-    {
-        const auto lista = editores();
-        if (lista.size() != 1)
-            return nullptr;
-        QPointer<frmOp> f = lista.first();
-        return QTest::qWaitForWindowActive(f) ? f : nullptr;
-    }
-    // Types into the field with the focus, then presses a key there.
-    static void teclea(frmOp *f, const QString &texto, Qt::Key tecla = Qt::Key_Return)
-    {
-        if (!texto.isEmpty())
-            QTest::keyClicks(QApplication::focusWidget(), texto);
-        QTest::keyClick(f->windowHandle(), tecla);
-    }
+    QPointer<frmOp> editor() { return editores().size() == 1 ? ventanaAbierta<frmOp>() : nullptr; }
     static QString foco(frmOp *f)
     {
         return f->focusWidget() ? f->focusWidget()->objectName() : QString();
@@ -121,9 +100,15 @@ struct BancoEditor
         p->SetAmbiente(base->ambiente());
         hoy = QDate::currentDate().toString(Qt::ISODate);
     }
+    // A fresh database and editor state for the next case of a table.
+    void deNuevo()
+    {
+        limpia();
+        prepara();
+    }
     void limpia()
     {
-        qDeleteAll(QApplication::topLevelWidgets());
+        cierraTodo();
         p.reset();
         modulo::reinicia();
         base.reset();

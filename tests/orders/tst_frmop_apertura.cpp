@@ -4,15 +4,6 @@
 
 #include "BancoEditor.h"
 
-#include <QCheckBox>
-#include <QCloseEvent>
-#include <QDateEdit>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-
 using namespace zuvi;
 using namespace zuvi::pruebas;
 
@@ -30,63 +21,46 @@ private Q_SLOTS:
     void cleanup() { limpia(); }
 
     // The openers: the mode from the state, the refusals of a busy order.
-    void aperturas_data()
-    {
-        QTest::addColumn<bool>("modifica");
-        QTest::addColumn<int>("op");
-        QTest::addColumn<QString>("cambio"); // applied to the order first
-        QTest::addColumn<QString>("mensajes");
-        QTest::addColumn<QString>("modo"); // empty: no window
-        QTest::newRow("modifica: no existe") << true << 77 << ""
-                                             << "754/16"
-                                             << "";
-        QTest::newRow("modifica: confirmada") << true << 2 << ""
-                                              << "753/64"
-                                              << "CONSULTA";
-        QTest::newRow("modifica: confirmada y ocupada") << true << 2 << "ocupado = 1"
-                                                        << "753/64"
-                                                        << "CONSULTA";
-        QTest::newRow("modifica: ocupada por mí") << true << 1 << "ocupado = 1"
-                                                  << "755/64"
-                                                  << "";
-        QTest::newRow("modifica: ocupada por otro")
-            << true << 1 << "ocupado = 1, usuario = '  OTRO  '"
-            << "756 OTRO 76/64"
-            << "";
-        QTest::newRow("modifica: libre") << true << 3 << ""
-                                         << ""
-                                         << "MODIFICACION";
-        QTest::newRow("consulta: no existe") << false << 77 << ""
-                                             << "72/16"
-                                             << "";
-        QTest::newRow("consulta: ocupada") << false << 1 << "ocupado = 1, usuario = 'OTRO'"
-                                           << ""
-                                           << "CONSULTA";
-    }
-
     void aperturas()
     {
-        QFETCH(bool, modifica);
-        QFETCH(int, op);
-        QFETCH(QString, cambio);
-        QFETCH(QString, mensajes);
-        QFETCH(QString, modo);
-        if (!cambio.isEmpty())
-            base->ejecuta(QStringLiteral("UPDATE op SET %1 WHERE op = %2").arg(cambio).arg(op));
-        modifica ? p->ModificaOp(op) : p->ConsultaOp(op);
-        QStringList vistos;
-        for (const auto &m : ui->mensajes())
-            vistos << m.texto + '/' + QString::number(m.estilo);
-        QString esperado = mensajes;
-        for (int n : {72, 76, 753, 754, 755, 756})
-            esperado.replace(QString::number(n), this->mensaje(n));
-        QCOMPARE(vistos, mensajes.isEmpty() ? QStringList() : QStringList{esperado});
-        const auto lista = editores();
-        QCOMPARE(lista.size(), modo.isEmpty() ? 0 : 1);
-        if (!modo.isEmpty()) {
-            QCOMPARE(lista.first()->Modo, modo);
-            QCOMPARE(lista.first()->Command5->isEnabled(), modo != u"CONSULTA");
-            QCOMPARE(lista.first()->Command1->isEnabled(), modo == u"CONSULTA");
+        const struct
+        {
+            bool modifica;
+            int op;
+            const char *cambio;   // applied to the order first
+            const char *mensajes; // message numbers are replaced by their texts, then "/style"
+            const char *modo;     // empty: no window
+        } casos[] = {
+            {true, 77, "", "754/16", ""},                   // no such order
+            {true, 2, "", "753/64", "CONSULTA"},            // confirmed
+            {true, 2, "ocupado = 1", "753/64", "CONSULTA"}, // confirmed and busy
+            {true, 1, "ocupado = 1", "755/64", ""},         // busy by me
+            {true, 1, "ocupado = 1, usuario = '  OTRO  '", "756 OTRO 76/64", ""},
+            {true, 3, "", "", "MODIFICACION"},                           // free
+            {false, 77, "", "72/16", ""},                                // view, no such order
+            {false, 1, "ocupado = 1, usuario = 'OTRO'", "", "CONSULTA"}, // view a busy order
+        };
+        for (const auto &c : casos) {
+            deNuevo();
+            if (*c.cambio)
+                base->ejecuta(
+                    QStringLiteral("UPDATE op SET %1 WHERE op = %2").arg(c.cambio).arg(c.op));
+            c.modifica ? p->ModificaOp(c.op) : p->ConsultaOp(c.op);
+            QStringList vistos;
+            for (const auto &m : ui->mensajes())
+                vistos << m.texto + '/' + QString::number(m.estilo);
+            QString esperado = QString::fromUtf8(c.mensajes);
+            for (int n : {72, 76, 753, 754, 755, 756})
+                esperado.replace(QString::number(n), mensaje(n));
+            QCOMPARE(vistos, esperado.isEmpty() ? QStringList() : QStringList{esperado});
+            const auto lista = editores();
+            const QString modo = QString::fromUtf8(c.modo);
+            QCOMPARE(lista.size(), modo.isEmpty() ? 0 : 1);
+            if (!modo.isEmpty()) {
+                QCOMPARE(lista.first()->Modo, modo);
+                QCOMPARE(lista.first()->Command5->isEnabled(), modo != u"CONSULTA");
+                QCOMPARE(lista.first()->Command1->isEnabled(), modo == u"CONSULTA");
+            }
         }
     }
 
@@ -130,43 +104,36 @@ private Q_SLOTS:
         p->NuevaOp();
         auto f = editor();
         QVERIFY(f);
-        teclea(f, "TORN-01");
-        teclea(f, "1");
+        teclea(f, "TORN-01⏎1⏎");
         QCOMPARE(f->Modo, QStringLiteral("ALTA"));
         QVERIFY(!fromVBool(f->Rechazo) && f->fg2->TextMatrix(1, 0).isEmpty());
         vetados.clear();
-        teclea(f, "TORN-01");
-        teclea(f, "1");
+        teclea(f, "TORN-01⏎1⏎");
         QCOMPARE(partidas(f->Op).size(), 1);
     }
 
     // Numbering at its limit: a clear report. For "Op" nothing is written; for "oppart"
     // the header written by CreaOp stays, the line does not.
-    void numeracionAlLimite_data()
-    {
-        QTest::addColumn<QString>("clave");
-        QTest::addColumn<int>("opsNuevas");
-        QTest::newRow("Op") << "Op" << 0;
-        QTest::newRow("oppart") << "oppart" << 1;
-    }
-
     void numeracionAlLimite()
     {
-        QFETCH(QString, clave);
-        QFETCH(int, opsNuevas);
-        base->ejecuta("DELETE FROM folios WHERE clave = '" + clave + "'");
-        base->ejecuta("INSERT INTO folios (clave, ultimo) VALUES ('" + clave + "', 2147483646)");
-        p->NuevaOp();
-        auto f = editor();
-        QVERIFY(f);
-        const int ops = cuenta("op"), lineas = cuenta("oppart");
-        teclea(f, "TORN-01");
-        teclea(f, "1");
-        QCOMPARE(ui->reportes().size(), 1);
-        QVERIFY2(ui->reportes().first().contains(u"límite"), qPrintable(ui->reportes().first()));
-        QCOMPARE(cuenta("op"), ops + opsNuevas);
-        QCOMPARE(cuenta("oppart"), lineas);
-        QVERIFY(f->fg2->TextMatrix(1, 0).isEmpty());
+        for (const auto &[clave, opsNuevas] : {std::pair{"Op", 0}, {"oppart", 1}}) {
+            deNuevo();
+            base->ejecuta(QStringLiteral("DELETE FROM folios WHERE clave = '%1'").arg(clave));
+            base->ejecuta(
+                QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES ('%1', 2147483646)")
+                    .arg(clave));
+            p->NuevaOp();
+            auto f = editor();
+            QVERIFY(f);
+            const int ops = cuenta("op"), lineas = cuenta("oppart");
+            teclea(f, "TORN-01⏎1⏎");
+            QCOMPARE(ui->reportes().size(), 1);
+            QVERIFY2(ui->reportes().first().contains(u"límite"),
+                     qPrintable(ui->reportes().first()));
+            QCOMPARE(cuenta("op"), ops + opsNuevas);
+            QCOMPARE(cuenta("oppart"), lineas);
+            QVERIFY(f->fg2->TextMatrix(1, 0).isEmpty());
+        }
     }
 
     // The connection lost while the window is open: finishing and closing report the
@@ -180,7 +147,7 @@ private Q_SLOTS:
         anfitrion::olvidaSentencias(db);
         db.close();
         f->Check3->setChecked(true);
-        teclea(f, QString(), Qt::Key_F5);
+        teclea(f, "{F5}");
         QVERIFY(!ui->reportes().isEmpty());
         QVERIFY(f);
         f->descarga();

@@ -89,12 +89,6 @@ class TstFrmOpTeclado : public QObject, public BancoEditor
         f->txtFields(campo)->setFocus();
         QTest::keyClick(f->windowHandle(), tecla, mod);
     }
-    // Types into whichever control has the focus at each character.
-    static void escribe(frmOp *f, const char *texto)
-    {
-        for (const char *c = texto; *c; ++c)
-            QTest::keyClick(f->windowHandle(), *c);
-    }
     QString cantidad(const QString &id)
     {
         return base->escalar("SELECT cantidad FROM oppart WHERE id_entrada = " + id).toString();
@@ -120,68 +114,64 @@ private Q_SLOTS:
 
     // Each row of the field keys: where the focus goes and which lookup opens (F2 opens the
     // lookup of the field it was pressed in, after the focus moved to the article field).
-    void teclasDeLosCampos_data()
-    {
-        QTest::addColumn<int>("campo");
-        QTest::addColumn<int>("tecla");
-        QTest::addColumn<QList<int>>("apagados");
-        QTest::addColumn<QString>("foco");
-        QTest::addColumn<QString>("consulta");
-        const QList<int> no;
-        const auto fila = [&](const char *nombre, int campo, int tecla, QList<int> apagados,
-                              int foco, const QString &consulta = QString()) {
-            QTest::newRow(nombre) << campo << tecla << apagados
-                                  << "txtFields_" + QString::number(foco) << consulta;
-        };
-        fila("0 Enter", 0, Qt::Key_Return, no, 14);
-        fila("0 Tab", 0, Qt::Key_Tab, no, 14);
-        fila("0 Enter, 14 apagado", 0, Qt::Key_Return, {14}, 0);
-        fila("4 Enter", 4, Qt::Key_Return, no, 5);
-        fila("4 Enter, 5 apagado", 4, Qt::Key_Return, {5}, 4);
-        fila("11 Enter: nada", 11, Qt::Key_Return, no, 11);
-        fila("14 Enter", 14, Qt::Key_Return, no, 4);
-        fila("16 Tab", 16, Qt::Key_Tab, no, 4);
-        fila("15 Enter", 15, Qt::Key_Return, no, 16);
-        fila("15 Enter, 16 apagado", 15, Qt::Key_Return, {16}, 4);
-        fila("28 Enter", 28, Qt::Key_Return, no, 29);
-        fila("29 Enter", 29, Qt::Key_Return, no, 6);
-        fila("4 F8", 4, Qt::Key_F8, no, 24);
-        fila("5 F8", 5, Qt::Key_F8, no, 24);
-        fila("6 F8, 24 apagado", 6, Qt::Key_F8, {24}, 6);
-        fila("24 F8", 24, Qt::Key_F8, no, 28);
-        fila("28 F8", 28, Qt::Key_F8, no, 29);
-        fila("29 F8", 29, Qt::Key_F8, no, 6);
-        fila("14 F8: nada", 14, Qt::Key_F8, no, 14);
-        fila("0 F2", 0, Qt::Key_F2, no, 4,
-             "BuscaCatalogo: Conceptos de Op al inventario | txtFields_0 |  | txtFields_4");
-        fila("4 F2", 4, Qt::Key_F2, no, 4,
-             "BuscaCatalogo: Articulos | txtFields_4 |  | txtFields_4");
-        fila("14 F2", 14, Qt::Key_F2, no, 4,
-             "BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_4");
-        fila("14 F2, 4 apagado", 14, Qt::Key_F2, {4}, 14,
-             "BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_14");
-        fila("11 F2: sin catálogo", 11, Qt::Key_F2, no, 4);
-        fila("16 F2: N abre el teclado", 16, Qt::Key_F2, no, 4, "CapturaNumerica: txtFields_16");
-        fila("15 F2: U, nada", 15, Qt::Key_F2, no, 4);
-        fila("24 F2: U, nada", 24, Qt::Key_F2, no, 4);
-        fila("4 Abajo: kits", 4, Qt::Key_Down, no, 4,
-             "BuscaCatalogo: Articulos | txtFields_4 | kit <> 0 | txtFields_4");
-    }
     void teclasDeLosCampos()
     {
-        QFETCH(int, campo);
-        QFETCH(int, tecla);
-        QFETCH(QList<int>, apagados);
-        QFETCH(QString, foco);
-        QFETCH(QString, consulta);
+        const struct
+        {
+            int campo;
+            Qt::Key tecla;
+            QList<int> apagados;
+            int foco;
+            const char *consulta = "";
+        } casos[] = {
+            {0, Qt::Key_Return, {}, 14},
+            {0, Qt::Key_Tab, {}, 14},
+            {0, Qt::Key_Return, {14}, 0},
+            {4, Qt::Key_Return, {}, 5},
+            {4, Qt::Key_Return, {5}, 4},
+            {11, Qt::Key_Return, {}, 11}, // nothing
+            {14, Qt::Key_Return, {}, 4},
+            {16, Qt::Key_Tab, {}, 4},
+            {15, Qt::Key_Return, {}, 16},
+            {15, Qt::Key_Return, {16}, 4},
+            {28, Qt::Key_Return, {}, 29},
+            {29, Qt::Key_Return, {}, 6},
+            {4, Qt::Key_F8, {}, 24},
+            {5, Qt::Key_F8, {}, 24},
+            {6, Qt::Key_F8, {24}, 6},
+            {24, Qt::Key_F8, {}, 28},
+            {28, Qt::Key_F8, {}, 29},
+            {29, Qt::Key_F8, {}, 6},
+            {14, Qt::Key_F8, {}, 14}, // nothing
+            {0,
+             Qt::Key_F2,
+             {},
+             4,
+             "BuscaCatalogo: Conceptos de Op al inventario | txtFields_0 |  | txtFields_4"},
+            {4, Qt::Key_F2, {}, 4, "BuscaCatalogo: Articulos | txtFields_4 |  | txtFields_4"},
+            {14, Qt::Key_F2, {}, 4, "BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_4"},
+            {14, Qt::Key_F2, {4}, 14, "BuscaCatalogo: Almacenes | txtFields_14 |  | txtFields_14"},
+            {11, Qt::Key_F2, {}, 4},                                  // no catalogue
+            {16, Qt::Key_F2, {}, 4, "CapturaNumerica: txtFields_16"}, // "N": the pad
+            {15, Qt::Key_F2, {}, 4},                                  // "U": nothing
+            {24, Qt::Key_F2, {}, 4},                                  // "U": nothing
+            {4,
+             Qt::Key_Down,
+             {},
+             4,
+             "BuscaCatalogo: Articulos | txtFields_4 | kit <> 0 | txtFields_4"}, // the kits
+        };
         auto f = abre();
         QVERIFY(f);
         const int lineas = cuenta("oppart");
-        for (int i : apagados)
-            f->txtFields(i)->setEnabled(false);
-        pulsa(f, campo, Qt::Key(tecla));
-        QCOMPARE(enfocado(f), foco);
-        QCOMPARE(consultas.join('\n'), consulta);
+        for (const auto &c : casos) {
+            for (int i : {0, 4, 5, 14, 16, 24, 28, 29})
+                f->txtFields(i)->setEnabled(!c.apagados.contains(i));
+            consultas.clear();
+            pulsa(f, c.campo, c.tecla);
+            QCOMPARE(enfocado(f), "txtFields_" + QString::number(c.foco));
+            QCOMPARE(consultas.join('\n'), QString::fromUtf8(c.consulta));
+        }
         QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
         QCOMPARE(cuenta("oppart"), lineas); // no line added by any of them
     }
@@ -221,136 +211,109 @@ private Q_SLOTS:
     // F8 from field 24 fetches the article of a secondary key (even with field 28 off). An
     // unknown or empty key clears the details and leaves fields 4 and 1; a quote or a stacked
     // statement fails, is reported under TraeSegundaClave and changes nothing.
-    void traeSegundaClave_data()
-    {
-        QTest::addColumn<QString>("clave");
-        QTest::addColumn<bool>("apaga28");
-        QTest::addColumn<QString>("campos"); // 4|1|25|26|28|29 afterwards
-        QTest::addColumn<bool>("reporte");
-        QTest::newRow("conocida") << "REP-NEGRA" << false << "REPISA|Repisa flotante|a|b|c|d"
-                                  << false;
-        QTest::newRow("conocida, 28 apagado")
-            << "REP-NEGRA" << true << "REPISA|Repisa flotante|a|b|c|d" << false;
-        QTest::newRow("desconocida") << "NOEXISTE" << false << "TORN-01|algo||||" << false;
-        QTest::newRow("vacía") << "" << false << "TORN-01|algo||||" << false;
-        QTest::newRow("comilla") << "O'BRIEN" << false << "TORN-01|algo|a|b|c|d" << true;
-        QTest::newRow("sentencia apilada")
-            << "X'; DELETE FROM OP; --" << false << "TORN-01|algo|a|b|c|d" << true;
-    }
     void traeSegundaClave()
     {
-        QFETCH(QString, clave);
-        QFETCH(bool, apaga28);
-        QFETCH(QString, campos);
-        QFETCH(bool, reporte);
+        const struct
+        {
+            const char *clave;
+            bool apaga28;
+            const char *campos; // 4|1|25|26|28|29 afterwards
+            bool reporte;
+        } casos[] = {
+            {"REP-NEGRA", false, "REPISA|Repisa flotante|a|b|c|d", false},
+            {"REP-NEGRA", true, "REPISA|Repisa flotante|a|b|c|d", false},
+            {"NOEXISTE", false, "TORN-01|algo||||", false},
+            {"", false, "TORN-01|algo||||", false},
+            {"O'BRIEN", false, "TORN-01|algo|a|b|c|d", true},
+            {"X'; DELETE FROM OP; --", false, "TORN-01|algo|a|b|c|d", true},
+        };
         auto f = abre();
         QVERIFY(f);
         const int ops = cuenta("op"), lineas = cuenta("oppart");
         const QList<int> indices{4, 1, 25, 26, 28, 29};
         const QStringList antes{"TORN-01", "algo", "a", "b", "c", "d"};
-        f->txtFields(24)->setFocus(); // leaving field 4 first would fill field 1
-        for (int i = 0; i < indices.size(); ++i)
-            f->txtFields(indices[i])->setText(antes[i]);
-        f->txtFields(28)->setEnabled(!apaga28);
-        QTest::keyClicks(f->txtFields(24), clave);
-        QTest::keyClick(f->windowHandle(), Qt::Key_F8);
-        QStringList despues;
-        for (int i : indices)
-            despues << f->txtFields(i)->text();
-        QCOMPARE(despues.join('|'), campos);
-        QCOMPARE(ui->reportes().size(), reporte ? 1 : 0);
-        if (reporte)
-            QVERIFY2(ui->reportes().first().contains("Function: TraeSegundaClave\r\n"),
-                     qPrintable(ui->reportes().first()));
+        for (const auto &c : casos) {
+            ui->olvida();
+            f->txtFields(24)->setFocus(); // leaving field 4 first would fill field 1
+            f->txtFields(24)->clear();
+            for (int i = 0; i < indices.size(); ++i)
+                f->txtFields(indices[i])->setText(antes[i]);
+            f->txtFields(28)->setEnabled(!c.apaga28);
+            teclea(f, QString::fromUtf8(c.clave) + "{F8}");
+            QStringList despues;
+            for (int i : indices)
+                despues << f->txtFields(i)->text();
+            QCOMPARE(despues.join('|'), QString::fromUtf8(c.campos));
+            QCOMPARE(ui->reportes().size(), c.reporte ? 1 : 0);
+            if (c.reporte)
+                QVERIFY2(ui->reportes().first().contains("Function: TraeSegundaClave\r\n"),
+                         qPrintable(ui->reportes().first()));
+            QCOMPARE(enfocado(f), c.apaga28 ? QStringLiteral("txtFields_24") : "txtFields_28");
+        }
         QCOMPARE(cuenta("op") * 1000 + cuenta("oppart"), ops * 1000 + lineas);
-        QCOMPARE(enfocado(f), apaga28 ? QStringLiteral("txtFields_24") : "txtFields_28");
     }
 
     // Typed characters go through the filter of the field's tag, compared exactly.
-    void filtrosPorEtiqueta_data()
-    {
-        QTest::addColumn<QString>("tag");
-        QTest::addColumn<QString>("tecleado");
-        QTest::addColumn<QString>("queda");
-        QTest::newRow("U") << "U"
-                           << "abc(-"
-                           << "ABC(-";
-        QTest::newRow("N") << "N"
-                           << "-1a2.3.4"
-                           << "-12.34";
-        QTest::newRow("SN") << "SN"
-                            << "12.5x"
-                            << "125";
-        QTest::newRow("D") << "D"
-                           << "17/05/2024x"
-                           << "17/05/2024";
-        QTest::newRow("u minúscula: sin filtro") << "u"
-                                                 << "ab1"
-                                                 << "ab1";
-    }
     void filtrosPorEtiqueta()
     {
-        QFETCH(QString, tag);
-        QFETCH(QString, tecleado);
-        QFETCH(QString, queda);
+        const char *casos[][3] = {// tag, typed, what stays
+                                  {"U", "abc(-", "ABC(-"},
+                                  {"N", "-1a2.3.4", "-12.34"},
+                                  {"SN", "12.5x", "125"},
+                                  {"D", "17/05/2024x", "17/05/2024"},
+                                  {"u", "ab1", "ab1"}}; // lower case: no filter
         auto f = abre();
         QVERIFY(f);
         QLineEdit *campo = f->txtFields(25);
-        campo->setProperty("Tag", tag);
-        campo->setFocus();
-        QTest::keyClicks(campo, tecleado);
-        QCOMPARE(campo->text(), queda);
+        for (const auto &c : casos) {
+            campo->clear();
+            campo->setProperty("Tag", c[0]);
+            campo->setFocus();
+            QTest::keyClicks(campo, c[1]);
+            QCOMPARE(campo->text(), QString::fromUtf8(c[2]));
+        }
     }
 
     // A field that fills up moves on as Enter would, typed or pasted; a paste is cut to the
     // field's length and filtered like typing: 10 kB, control characters, undecodable bytes.
-    void llenoYPegado_data()
-    {
-        QTest::addColumn<int>("campo");
-        QTest::addColumn<QByteArray>("pegado"); // empty: typed instead
-        QTest::addColumn<QString>("texto");
-        QTest::addColumn<QString>("foco");
-        QTest::newRow("14 tecleado lleno") << 14 << QByteArray() << "1234"
-                                           << "txtFields_4";
-        QTest::newRow("14 pegado lleno") << 14 << QByteArray("0003") << "3"
-                                         << "txtFields_4";
-        QTest::newRow("14 pegado largo") << 14 << QByteArray("98765") << "9876"
-                                         << "txtFields_4";
-        QTest::newRow("14 pegado corto") << 14 << QByteArray("12") << "12"
-                                         << "txtFields_14";
-        QTest::newRow("4 pegado de 10 kB")
-            << 4 << QByteArray(10240, 'a') << QString(30, 'A') << "txtFields_5";
-        QTest::newRow("5 con letras") << 5 << QByteArray("1a2.5b") << "12.5"
-                                      << "txtFields_5";
-        QTest::newRow("1 caracteres de control") << 1
-                                                 << QByteArray("A\tB\x01"
-                                                               "C\r\nD\x7f")
-                                                 << "ABCD"
-                                                 << "txtFields_1";
-        QTest::newRow("1 bytes que no son UTF-8") << 1
-                                                  << QByteArray("\xff\xfe"
-                                                                "AB\xc3")
-                                                  << "AB"
-                                                  << "txtFields_1";
-    }
     void llenoYPegado()
     {
-        QFETCH(int, campo);
-        QFETCH(QByteArray, pegado);
-        QFETCH(QString, texto);
-        QFETCH(QString, foco);
+        const struct
+        {
+            int campo;
+            QByteArray pegado; // empty: typed instead
+            QString texto;
+            int foco;
+        } casos[] = {
+            {14, {}, "1234", 4},
+            {14, "0003", "3", 4},
+            {14, "98765", "9876", 4},
+            {14, "12", "12", 14},
+            {4, QByteArray(10240, 'a'), QString(30, 'A'), 5},
+            {5, "1a2.5b", "12.5", 5},
+            {1,
+             QByteArray("A\tB\x01"
+                        "C\r\nD\x7f"),
+             "ABCD", 1}, // control characters
+            {1,
+             QByteArray("\xff\xfe"
+                        "AB\xc3"),
+             "AB", 1}, // not UTF-8
+        };
         auto f = abre();
         QVERIFY(f);
-        f->txtFields(campo)->clear();
-        f->txtFields(campo)->setFocus();
-        if (pegado.isEmpty()) {
-            QTest::keyClicks(f->txtFields(campo), texto);
-        } else {
-            pega(pegado);
-            QTest::keyClick(f->windowHandle(), Qt::Key_V, Qt::ControlModifier);
+        for (const auto &c : casos) {
+            f->txtFields(c.campo)->clear();
+            f->txtFields(c.campo)->setFocus();
+            if (c.pegado.isEmpty()) {
+                QTest::keyClicks(f->txtFields(c.campo), c.texto);
+            } else {
+                pega(c.pegado);
+                QTest::keyClick(f->windowHandle(), Qt::Key_V, Qt::ControlModifier);
+            }
+            QCOMPARE(f->txtFields(c.campo)->text(), c.texto);
+            QCOMPARE(enfocado(f), "txtFields_" + QString::number(c.foco));
         }
-        QCOMPARE(f->txtFields(campo)->text(), texto);
-        QCOMPARE(enfocado(f), foco);
         QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
     }
 
@@ -364,8 +327,7 @@ private Q_SLOTS:
         pulsa(f, 14, Qt::Key_F3);
         QVERIFY(f->Check4->isChecked());
         QCOMPARE(enfocado(f), QStringLiteral("txtFields_4"));
-        teclea(f, "7501000000011");
-        teclea(f, "tuer-01");
+        teclea(f, "7501000000011⏎tuer-01⏎");
         QCOMPARE(partidas(f->Op).size(), 2);
         QCOMPARE(f->fg2->TextMatrix(2, 0) + ' ' + f->fg2->TextMatrix(2, 1),
                  QStringLiteral("TUER-01 1"));
@@ -434,87 +396,75 @@ private Q_SLOTS:
 
     // The cell editor over a quantity: it covers the cell exactly; Enter and the arrows write
     // the edit back and save it, Escape discards it; Up in the first row stays there.
-    void editorDeCelda_data()
-    {
-        QTest::addColumn<int>("fila");
-        QTest::addColumn<int>("tecla");
-        QTest::addColumn<QString>("celda");
-        QTest::addColumn<int>("filaDespues");
-        QTest::newRow("Enter") << 1 << int(Qt::Key_Return) << "75" << 1;
-        QTest::newRow("Escape") << 1 << int(Qt::Key_Escape) << "10" << 1;
-        QTest::newRow("Arriba en la primera") << 1 << int(Qt::Key_Up) << "75" << 1;
-        QTest::newRow("Abajo") << 1 << int(Qt::Key_Down) << "75" << 2;
-        QTest::newRow("Arriba") << 2 << int(Qt::Key_Up) << "75" << 1;
-    }
     void editorDeCelda()
     {
-        QFETCH(int, fila);
-        QFETCH(int, tecla);
-        QFETCH(QString, celda);
-        QFETCH(int, filaDespues);
-        auto f = abre(1);
-        QVERIFY(f);
-        const QString antes = f->fg2->TextMatrix(fila, 1);
-        const QString id = f->fg2->TextMatrix(fila, 5);
-        f->fg2->setFocus();
-        f->fg2->SetRow(fila);
-        f->fg2->SetCol(1);
-        escribe(f, "7x5");
-        QVERIFY(f->txtEdit->isVisible());
-        const QModelIndex i = f->fg2->model()->index(fila - 1, 1);
-        const QRect r = f->fg2->visualRect(i);
-        QCOMPARE(f->txtEdit->geometry(),
-                 QRect(f->fg2->viewport()->mapTo(f, r.topLeft()), r.size()));
-        QCOMPARE(f->txtEdit->text(), QStringLiteral("75"));
-        QTest::keyClick(f->windowHandle(), Qt::Key(tecla));
-        QVERIFY(!f->txtEdit->isVisible());
-        QCOMPARE(enfocado(f), QStringLiteral("fg2"));
-        QCOMPARE(f->fg2->TextMatrix(fila, 1), celda == "10" ? antes : celda);
-        QCOMPARE(cantidad(id), celda == "10" ? antes : celda);
-        QCOMPARE(f->fg2->Row(), filaDespues);
-        QCOMPARE(f->fg2->CellAlignment(), 3); // a visited cell is centred
-        QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
+        const struct
+        {
+            int fila;
+            const char *tecla;
+            bool guarda; // the edit, "75", written back and saved
+            int filaDespues;
+        } casos[] = {{1, "⏎", true, 1},
+                     {1, "⎋", false, 1},
+                     {1, "↑", true, 1},
+                     {1, "↓", true, 2},
+                     {2, "↑", true, 1}};
+        for (const auto &c : casos) {
+            deNuevo();
+            auto f = abre(1);
+            QVERIFY(f);
+            const QString antes = f->fg2->TextMatrix(c.fila, 1);
+            const QString id = f->fg2->TextMatrix(c.fila, 5);
+            f->fg2->setFocus();
+            f->fg2->SetRow(c.fila);
+            f->fg2->SetCol(1);
+            teclea(f, "7x5");
+            QVERIFY(f->txtEdit->isVisible());
+            const QRect r = f->fg2->visualRect(f->fg2->model()->index(c.fila - 1, 1));
+            QCOMPARE(f->txtEdit->geometry(),
+                     QRect(f->fg2->viewport()->mapTo(f, r.topLeft()), r.size()));
+            QCOMPARE(f->txtEdit->text(), QStringLiteral("75"));
+            teclea(f, QString::fromUtf8(c.tecla));
+            QVERIFY(!f->txtEdit->isVisible());
+            QCOMPARE(enfocado(f), QStringLiteral("fg2"));
+            QCOMPARE(f->fg2->TextMatrix(c.fila, 1), c.guarda ? "75" : antes);
+            QCOMPARE(cantidad(id), c.guarda ? "75" : antes);
+            QCOMPARE(f->fg2->Row(), c.filaDespues);
+            QCOMPARE(f->fg2->CellAlignment(), 3); // a visited cell is centred
+            QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
+        }
     }
 
     // No editor on a line without an article, in column 0, beyond column 2, or in a
     // view-only order; but the typed character still went through the key filter ('x'
     // refused, '5' taken) except on an empty line.
-    void sinEditor_data()
-    {
-        QTest::addColumn<bool>("consulta");
-        QTest::addColumn<int>("fila");
-        QTest::addColumn<int>("columna");
-        QTest::addColumn<QString>("filtrado");
-        QTest::newRow("línea sin artículo") << false << 3 << 1 << "";
-        QTest::newRow("columna 0") << false << 1 << 0 << "5";
-        QTest::newRow("columna 3") << false << 1 << 3 << "5";
-        QTest::newRow("CONSULTA") << true << 1 << 1 << "5";
-    }
     void sinEditor()
     {
-        QFETCH(bool, consulta);
-        QFETCH(int, fila);
-        QFETCH(int, columna);
-        QFETCH(QString, filtrado);
-        if (consulta)
-            p->ConsultaOp(1);
-        else
-            p->ModificaOp(1);
-        auto f = editor();
-        QVERIFY(f);
-        f->fg2->setEnabled(true);
-        f->fg2->setFocus();
-        f->fg2->SetRow(fila);
-        f->fg2->SetCol(columna);
-        escribe(f, "x5");
-        QVERIFY(!f->txtEdit->isVisible());
-        QCOMPARE(f->txtEdit->text(), filtrado);
-        QCOMPARE(f->fg2->Row() * 10 + f->fg2->Col(), fila * 10 + columna); // no search moved it
-        // A double-click opens it only where typing would.
-        const QRect r = f->fg2->visualRect(f->fg2->model()->index(fila - 1, columna));
-        QTest::mouseDClick(f->fg2->viewport(), Qt::LeftButton, {}, r.center());
-        QVERIFY(!f->txtEdit->isVisible());
-        QVERIFY(ui->reportes().isEmpty());
+        const struct
+        {
+            bool consulta;
+            int fila, columna;
+            const char *filtrado;
+        } casos[] = {{false, 3, 1, ""}, {false, 1, 0, "5"}, {false, 1, 3, "5"}, {true, 1, 1, "5"}};
+        for (const auto &c : casos) {
+            deNuevo();
+            c.consulta ? p->ConsultaOp(1) : p->ModificaOp(1);
+            auto f = editor();
+            QVERIFY(f);
+            f->fg2->setEnabled(true);
+            f->fg2->setFocus();
+            f->fg2->SetRow(c.fila);
+            f->fg2->SetCol(c.columna);
+            teclea(f, "x5");
+            QVERIFY(!f->txtEdit->isVisible());
+            QCOMPARE(f->txtEdit->text(), QString::fromUtf8(c.filtrado));
+            QCOMPARE(f->fg2->Row() * 10 + f->fg2->Col(), c.fila * 10 + c.columna); // not moved
+            // A double-click opens it only where typing would.
+            const QRect r = f->fg2->visualRect(f->fg2->model()->index(c.fila - 1, c.columna));
+            QTest::mouseDClick(f->fg2->viewport(), Qt::LeftButton, {}, r.center());
+            QVERIFY(!f->txtEdit->isVisible());
+            QVERIFY(ui->reportes().isEmpty());
+        }
     }
 
     // A double-click on a quantity opens the editor with the cell's text, caret at the end.
@@ -530,7 +480,7 @@ private Q_SLOTS:
         QVERIFY(f->txtEdit->isVisible());
         QCOMPARE(f->txtEdit->text(), QStringLiteral("2"));
         QCOMPARE(f->txtEdit->cursorPosition(), 1);
-        escribe(f, "5");
+        teclea(f, "5");
         QTest::keyClick(f->windowHandle(), Qt::Key_Return);
         QCOMPARE(cantidad(f->fg2->TextMatrix(2, 5)), QStringLiteral("25"));
     }
@@ -541,7 +491,7 @@ private Q_SLOTS:
         auto f = abre();
         QVERIFY(f);
         f->RichTextBox2->setFocus();
-        escribe(f, "Urgente");
+        teclea(f, "Urgente");
         QTest::keyClick(f->windowHandle(), Qt::Key_F8);
         QCOMPARE(f->RichTextBox2->toPlainText(), QStringLiteral("Urgente"));
         QCOMPARE(enfocado(f), QStringLiteral("txtFields_4"));

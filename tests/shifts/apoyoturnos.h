@@ -1,67 +1,44 @@
 #pragma once
 
 // What the shift window tests share: opening the catalogue as the host does,
-// driving the modal editor from inside its own event loop, and clicking list
-// items and buttons with the mouse.
+// driving the modal editor from inside its own event loop, and reading lists.
 
 #include "component/Produccion.h"
 #include "controls/Lista.h"
 #include "shifts/frmTurno.h"
 #include "shifts/frmTurnos.h"
+#include "tests/support/Ventanas.h"
 
-#include <QAbstractButton>
-#include <QApplication>
-#include <QPointer>
-#include <QTest>
 #include <QTimer>
 
 #include <functional>
 
 namespace pruebasturnos {
 
+using namespace zuvi::pruebas;
+
 inline QPointer<zuvi::frmTurnos> abreCatalogo(zuvi::Ambiente *ambiente)
 {
     zuvi::Produccion produccion;
     produccion.SetAmbiente(ambiente);
     produccion.MuestraTurnos();
-    for (QWidget *w : QApplication::topLevelWidgets()) {
-        auto *f = qobject_cast<zuvi::frmTurnos *>(w);
-        if (f && f->isVisible() && !f->descargada() && !f->property("vista").toBool()) {
-            f->setProperty("vista", true);
-            return QTest::qWaitForWindowActive(f) ? f : nullptr;
-        }
-    }
-    return nullptr;
-}
-
-// Deletes every top-level window left over; a window's own popups go with it.
-inline void cierraTodo()
-{
-    QList<QPointer<QWidget>> ventanas;
-    for (QWidget *w : QApplication::topLevelWidgets())
-        ventanas << w;
-    for (const QPointer<QWidget> &w : ventanas)
-        delete w.data();
-}
-
-inline zuvi::frmTurno *editorAbierto()
-{
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *e = qobject_cast<zuvi::frmTurno *>(w); e && e->isVisible() && !e->descargada())
-            return e;
-    return nullptr;
+    return ventanaAbierta<zuvi::frmTurnos>();
 }
 
 // Runs `pasos` on the editor as soon as it is open and active, from inside
 // its modal loop; the editor is closed afterwards if the steps left it open,
 // so a failing step cannot leave the loop waiting. `visto` tells whether the
-// steps ran.
-inline void enEditor(std::function<void(zuvi::frmTurno *)> pasos, bool *visto = nullptr)
+// steps ran. The watch ends when the editor shows up or the caller deletes it.
+inline QTimer *enEditor(std::function<void(zuvi::frmTurno *)> pasos, bool *visto = nullptr)
 {
     auto *reloj = new QTimer;
     reloj->setInterval(10);
     QObject::connect(reloj, &QTimer::timeout, [reloj, pasos, visto] {
-        QPointer<zuvi::frmTurno> e(editorAbierto());
+        QPointer<zuvi::frmTurno> e;
+        for (QWidget *w : QApplication::topLevelWidgets())
+            if (auto *v = qobject_cast<zuvi::frmTurno *>(w);
+                v && v->isVisible() && !v->descargada())
+                e = v;
         if (!e)
             return;
         reloj->stop();
@@ -77,28 +54,10 @@ inline void enEditor(std::function<void(zuvi::frmTurno *)> pasos, bool *visto = 
             e->descarga();
     });
     reloj->start();
+    return reloj;
 }
 
-// A button's mnemonic: Alt and the letter, sent to the window; the button
-// clicks itself a moment later (and a modal editor it opens runs meanwhile).
-inline void atajo(QWidget *ventana, Qt::Key letra)
-{
-    QTest::keyClick(ventana->windowHandle(), letra, Qt::AltModifier);
-    QTest::qWait(150);
-}
-
-inline void clic(QAbstractButton *boton)
-{
-    QTest::mouseClick(boton, Qt::LeftButton);
-}
-
-inline void clicEnElemento(zuvi::Lista *lista, QTreeWidgetItem *elemento)
-{
-    lista->scrollToItem(elemento);
-    QTest::mouseClick(lista->viewport(), Qt::LeftButton, {},
-                      lista->visualItemRect(elemento).center());
-}
-
+// Each row of the list: its key, then the texts of its first `columnas` columns, joined by '|'.
 inline QStringList textos(zuvi::Lista *lista, int columnas)
 {
     QStringList filas;

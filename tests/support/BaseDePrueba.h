@@ -46,6 +46,12 @@ public:
     {
         return pruebas::filas(conexion(), sql, separador);
     }
+    // Text of the catalogue message with this number.
+    QString mensaje(int numero)
+    {
+        return escalar(QStringLiteral("SELECT texto FROM mensajes WHERE numero = %1").arg(numero))
+            .toString();
+    }
     // Stops the host's clock at this instant: dates, times and the movement
     // folio no longer depend on when the test runs.
     void fijaReloj(const QDateTime &ahora);

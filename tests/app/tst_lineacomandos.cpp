@@ -106,6 +106,11 @@ private slots:
         fila("desensamble kit anidado", "desensamble REPISA 1 3", 2, "REPISA|SOPORTE|kit");
         fila("kit anidado por nombre", "invoca Desensamble REPISA 1 3", 2, "REPISA|SOPORTE|kit");
         fila("ventana sin pantalla", "invoca MuestraCapturaDeFracciones", 0, "Sin pantalla");
+        // Short of components: refused, named, nothing posted, whatever the door.
+        for (const char *puerta : {"ensamble SOPORTE 3 5000", "invoca Ensamble SOPORTE 3 5000"})
+            fila(puerta, puerta, 1, "TORN-01|faltan 15,000|TUER-01|PLAC-01|faltan 4,800");
+        fila("desensamble sin existencias", "desensamble SOPORTE 13 3", 1, "SOPORTE|faltan 1");
+        fila("csv fuera de lugar", "entrega 1 --csv", 2, "--csv");
         fila("rol mes mal escrito", "rol 2024-13", 2, "AAAA-MM");
         fila("turno fuera de rol", "entrega 1 --turno NOCHE", 2, "--turno");
         fila("rol de un turno", "rol 2024-05 --turno NOCHE", 0,

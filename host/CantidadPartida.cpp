@@ -36,7 +36,8 @@ QString mensajeCantidad(const QSqlDatabase &db)
 {
     QSqlQuery q =
         ejecutaConValores(db, QStringLiteral("SELECT texto FROM mensajes WHERE numero = ?"), {236});
-    return q.next() ? q.value(0).toString() : QStringLiteral("La cantidad debe ser mayor que cero.");
+    return q.next() ? q.value(0).toString()
+                    : QStringLiteral("La cantidad debe ser mayor que cero.");
 }
 
 QString plano(double valor)
@@ -87,11 +88,13 @@ bool rechazaCantidadPartida(const QSqlDatabase &db, const QString &tipo, const Q
     if (!q.next())
         throw Rechazo(texto);
     const double guardada = q.value(2).toDouble();
-    interaccion().mensaje(QStringLiteral("%1 La línea de %2 de la orden %3 conserva su cantidad %4.")
-                              .arg(texto, eco(q.value(1).toString().trimmed()),
-                                   QString::number(q.value(0).toInt()), plano(guardada)),
-                          48);
+    // The cell first: the message waits for the person.
     restauraCeldas(m.captured(1), numero, guardada, q.value(3).toDouble());
+    interaccion().mensaje(
+        QStringLiteral("%1 La línea de %2 de la orden %3 conserva su cantidad %4.")
+            .arg(texto, eco(q.value(1).toString().trimmed()), QString::number(q.value(0).toInt()),
+                 plano(guardada)),
+        48);
     return true;
 }
 

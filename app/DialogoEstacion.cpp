@@ -7,6 +7,7 @@
 #include <QCheckBox>
 #include <QDialogButtonBox>
 #include <QFormLayout>
+#include <QPushButton>
 #include <QSpinBox>
 #include <QSqlQuery>
 
@@ -32,6 +33,8 @@ DialogoEstacion::DialogoEstacion(const QSqlDatabase &db, const QString &estacion
     m_negativa->setObjectName(QStringLiteral("chkExistenciaNegativa"));
     m_sinKit->setObjectName(QStringLiteral("chkLineasSinKit"));
     auto *botones = new QDialogButtonBox(QDialogButtonBox::Ok | QDialogButtonBox::Cancel, this);
+    botones->button(QDialogButtonBox::Ok)->setText(QStringLiteral("Aceptar"));
+    botones->button(QDialogButtonBox::Cancel)->setText(QStringLiteral("Cancelar"));
     connect(botones, &QDialogButtonBox::accepted, this, &QDialog::accept);
     connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
     forma->addRow(botones);

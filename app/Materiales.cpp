@@ -6,6 +6,7 @@
 #include <QDialogButtonBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QPushButton>
 #include <QTableWidget>
 #include <QVBoxLayout>
 
@@ -124,6 +125,7 @@ void muestraMateriales(QWidget *padre, const QSqlDatabase &db, qint32 op)
     tabla->resizeColumnsToContents();
     capa->addWidget(tabla);
     auto *botones = new QDialogButtonBox(QDialogButtonBox::Close, &dialogo);
+    botones->button(QDialogButtonBox::Close)->setText(QStringLiteral("Cerrar"));
     QObject::connect(botones, &QDialogButtonBox::rejected, &dialogo, &QDialog::reject);
     capa->addWidget(botones);
     dialogo.resize(760, 360);

@@ -127,7 +127,7 @@ void VentanaPrincipal::creaMenus()
     m_entrega =
         agrega(ordenes, QStringLiteral("&Entregar producto terminado"), &VentanaPrincipal::entrega);
     m_cancela = agrega(ordenes, QStringLiteral("C&ancelar orden"), &VentanaPrincipal::cancela);
-    agrega(ordenes, QStringLiteral("Ma&teriales de la orden"), [this] {
+    agrega(ordenes, QStringLiteral("Mate&riales de la orden"), [this] {
         if (const qint32 op = ordenSeleccionada()) {
             try {
                 muestraMateriales(this, m_sesion.conexion(), op);

@@ -43,9 +43,9 @@ void cargaOrden(ArgumentosProceso &a)
     if (!ventana || !a.ambiente || ventana->property("Modo").toString() == QLatin1String("ALTA"))
         return;
     const qint32 op = ventana->property("Op").toInt();
-    QSqlQuery q = ejecutaConValores(
-        a.ambiente->Conexion(), QStringLiteral("SELECT ordencompra, importe FROM op WHERE op = ?"),
-        {op});
+    QSqlQuery q =
+        ejecutaConValores(a.ambiente->Conexion(),
+                          QStringLiteral("SELECT ordencompra, importe FROM op WHERE op = ?"), {op});
     if (!q.next())
         return;
     if (QLineEdit *compra = campo(ventana, 0))
@@ -62,9 +62,9 @@ void nuevaPartida(ArgumentosProceso &a)
     if (!caja || !a.ambiente || ajustesEstacion(a.ambiente).lineasSinKit)
         return;
     const QString articulo = caja->text().trimmed();
-    QSqlQuery q = ejecutaConValores(a.ambiente->Conexion(),
-                                    QStringLiteral("SELECT kit FROM prods WHERE articulo = ?"),
-                                    {articulo});
+    QSqlQuery q =
+        ejecutaConValores(a.ambiente->Conexion(),
+                          QStringLiteral("SELECT kit FROM prods WHERE articulo = ?"), {articulo});
     // An article that does not exist is the editor's own refusal.
     if (!q.next() || q.value(0).toInt() != 0)
         return;

@@ -40,23 +40,28 @@ private slots:
         QTest::addColumn<QString>("calla"); // not named: it is not short
         const QVariantList cincoMil{"SOPORTE", 3, 5000, 0};
         QTest::newRow("ensamble sin componentes")
-            << "" << "Ensamble" << cincoMil << false << 2
+            << ""
+            << "Ensamble" << cincoMil << false << 2
             << QStringList{"ensamblar 5,000 SOPORTE (Soporte metálico) en el almacén 3",
                            "TORN-01 (Tornillo 1/4\") en el almacén 1 (Almacén general): se "
                            "necesitan 20,000, hay 5,000, faltan 15,000",
-                           "TUER-01", "PLAC-01 (Placa de acero 10x10) en el almacén 1 (Almacén "
+                           "TUER-01",
+                           "PLAC-01 (Placa de acero 10x10) en el almacén 1 (Almacén "
                            "general): se necesitan 5,000, hay 200, faltan 4,800"}
             << "";
-        QTest::newRow("ensamble permitido") << "" << "Ensamble" << cincoMil << true << 1
-                                            << QStringList{"Aviso", "faltan 15,000"} << "";
-        QTest::newRow("ensamble justo")
-            << "" << "Ensamble" << QVariantList{"SOPORTE", 3, 200, 0} << false << 0
-            << QStringList() << "";
+        QTest::newRow("ensamble permitido")
+            << ""
+            << "Ensamble" << cincoMil << true << 1 << QStringList{"Aviso", "faltan 15,000"} << "";
+        QTest::newRow("ensamble justo") << ""
+                                        << "Ensamble" << QVariantList{"SOPORTE", 3, 200, 0} << false
+                                        << 0 << QStringList() << "";
         QTest::newRow("ensamble uno de más")
-            << "" << "Ensamble" << QVariantList{"SOPORTE", 3, 201, 0} << false << 2
+            << ""
+            << "Ensamble" << QVariantList{"SOPORTE", 3, 201, 0} << false << 2
             << QStringList{"se necesitan 201, hay 200, faltan 1"} << "TORN-01";
         QTest::newRow("desensamble de más")
-            << "" << "Desensamble" << QVariantList{"SOPORTE", 12.5, 3, 0} << false << 2
+            << ""
+            << "Desensamble" << QVariantList{"SOPORTE", 12.5, 3, 0} << false << 2
             << QStringList{"SOPORTE (Soporte metálico) en el almacén 3 (Producto terminado): se "
                            "necesitan 12.5, hay 12, faltan 0.5"}
             << "";
@@ -67,8 +72,12 @@ private slots:
         QTest::newRow("entrega con todo lo que falta")
             << "UPDATE existencias SET cantidad = 0 WHERE almacen = 1"
             << "EntregaProductoTerminado" << QVariantList{1} << false << 2
-            << QStringList{"entregar la orden de producción 1", "TORN-01", "TUER-01", "PLAC-01",
-                           "TAB-01", "PINT-01"}
+            << QStringList{"entregar la orden de producción 1",
+                           "TORN-01",
+                           "TUER-01",
+                           "PLAC-01",
+                           "TAB-01",
+                           "PINT-01"}
             << "SOPORTE";
     }
     void existencias()
@@ -82,8 +91,8 @@ private slots:
         QFETCH(QString, calla);
         if (!prepara.isEmpty())
             m_base->ejecuta(prepara);
-        m_base->ejecuta(QStringLiteral("UPDATE estaciones SET existencianegativa = %1")
-                            .arg(negativos ? 1 : 0));
+        m_base->ejecuta(
+            QStringLiteral("UPDATE estaciones SET existencianegativa = %1").arg(negativos ? 1 : 0));
         const anfitrion::AjustesEstacion ajustes = anfitrion::ajustesEstacion(m_base->ambiente());
         QCOMPARE(ajustes.existenciaNegativa, negativos);
         QString texto;
@@ -156,11 +165,16 @@ private slots:
         QTest::addColumn<QVariant>("valor");
         QTest::addColumn<QString>("guardada");
         QTest::addColumn<QString>("celda");
-        QTest::newRow("cero") << "UPDATE" << QVariant(0.0) << "10" << "10";
-        QTest::newRow("negativa") << "UPDATE" << QVariant(-3.0) << "10" << "10";
-        QTest::newRow("no es número") << "UPDATE" << QVariant("abc") << "10" << "10";
-        QTest::newRow("válida") << "UPDATE" << QVariant(4.0) << "4" << "4";
-        QTest::newRow("alta en cero") << "INSERT" << QVariant(0.0) << "10" << "";
+        QTest::newRow("cero") << "UPDATE" << QVariant(0.0) << "10"
+                              << "10";
+        QTest::newRow("negativa") << "UPDATE" << QVariant(-3.0) << "10"
+                                  << "10";
+        QTest::newRow("no es número") << "UPDATE" << QVariant("abc") << "10"
+                                      << "10";
+        QTest::newRow("válida") << "UPDATE" << QVariant(4.0) << "4"
+                                << "4";
+        QTest::newRow("alta en cero") << "INSERT" << QVariant(0.0) << "10"
+                                      << "";
     }
     void cantidadDePartida()
     {

@@ -2,11 +2,13 @@
 
 #include "app/Componente.h"
 #include "app/Lotes.h"
+#include "app/Materiales.h"
 #include "host/base/Direccion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/reportes/Reportes.h"
 #include "host/reportes/RolMes.h"
 #include "host/servicios/Comprobaciones.h"
+#include "host/servicios/Existencias.h"
 #include "host/servicios/Registro.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
@@ -153,12 +155,15 @@ private:
     std::shared_ptr<anfitrion::Interaccion> m_terminal, m_ventanas;
 };
 
-// A member through the host's door; a refusal of its checks is a usage error.
+// A member through the host's door; a refusal of its checks is a usage error,
+// a shortage of stock a failure of the run.
 Desenlace llamaLote(anfitrion::Sesion &sesion, QObject *produccion, const QMetaMethod &miembro,
                     const QVariantList &valores)
 {
     try {
         return llamaMiembro(produccion, sesion.conexion(), miembro, valores);
+    } catch (const anfitrion::Faltante &e) {
+        throw Error(e.description());
     } catch (const anfitrion::Rechazo &e) {
         throw ErrorDeUso(e.description());
     }
@@ -281,6 +286,20 @@ int cancela(const LineaComandos &lc)
     return termina(d, QStringLiteral("Orden %1 cancelada.").arg(op));
 }
 
+int materiales(const LineaComandos &lc)
+{
+    exigeArgumentos(lc, 1, 1, QStringLiteral("materiales OP [--csv]"));
+    const qint32 op = entero(lc.argumentos.at(0), QStringLiteral("La orden"));
+    auto sesion = abreSesion(lc);
+    try {
+        salida(lc.csv ? materialesCsv(sesion->conexion(), op)
+                      : materialesTexto(sesion->conexion(), op));
+    } catch (const anfitrion::Rechazo &e) {
+        throw ErrorDeUso(e.description());
+    }
+    return Exito;
+}
+
 int rol(const LineaComandos &lc)
 {
     exigeArgumentos(lc, 1, 1, QStringLiteral("rol AAAA-MM [--turno T]"));
@@ -338,6 +357,8 @@ int ejecuta(const LineaComandos &lc)
         return cancela(lc);
     if (o == QLatin1String("rol"))
         return rol(lc);
+    if (o == QLatin1String("materiales"))
+        return materiales(lc);
     throw ErrorDeUso(QStringLiteral("Orden desconocida: %1").arg(o));
 }
 

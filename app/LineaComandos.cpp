@@ -10,10 +10,11 @@ namespace {
 
 const QStringList &ordenesConocidas()
 {
-    static const QStringList o = {
-        QStringLiteral("crea-base"),   QStringLiteral("registra"), QStringLiteral("desregistra"),
-        QStringLiteral("invoca"),      QStringLiteral("entrega"),  QStringLiteral("ensamble"),
-        QStringLiteral("desensamble"), QStringLiteral("cancela"),  QStringLiteral("rol")};
+    static const QStringList o = {QStringLiteral("crea-base"),   QStringLiteral("registra"),
+                                  QStringLiteral("desregistra"), QStringLiteral("invoca"),
+                                  QStringLiteral("entrega"),     QStringLiteral("ensamble"),
+                                  QStringLiteral("desensamble"), QStringLiteral("cancela"),
+                                  QStringLiteral("rol"),         QStringLiteral("materiales")};
     return o;
 }
 
@@ -87,6 +88,9 @@ LineaComandos LineaComandos::lee(const QStringList &argumentosPrograma)
         } else if (nombre == QLatin1String("--demo")) {
             sinValor();
             lc.demo = true;
+        } else if (nombre == QLatin1String("--csv")) {
+            sinValor();
+            lc.csv = true;
         } else if (nombre == QLatin1String("--turno")) {
             lc.turno = valorDe();
             if (lc.turno.trimmed().isEmpty())
@@ -98,6 +102,8 @@ LineaComandos LineaComandos::lee(const QStringList &argumentosPrograma)
     }
     if (lc.demo && lc.orden != QLatin1String("crea-base"))
         throw Error(QStringLiteral("La opción --demo solo vale con la orden crea-base."));
+    if (lc.csv && lc.orden != QLatin1String("materiales"))
+        throw Error(QStringLiteral("La opción --csv solo vale con la orden materiales."));
     if (!lc.turno.isEmpty() && lc.orden != QLatin1String("rol"))
         throw Error(QStringLiteral("La opción --turno solo vale con la orden rol."));
     // A mistyped --base must not become a new empty database: only crea-base
@@ -151,6 +157,8 @@ QString textoAyuda()
         "  desensamble ARTICULO CANTIDAD ALMACEN [OP]\n"
         "                              desensambla CANTIDAD kits ARTICULO de ALMACEN\n"
         "  cancela OP                  cancela (borra o cierra) la orden OP\n"
+        "  materiales OP [--csv]       lo que necesita la orden OP de cada componente,\n"
+        "                              lo que hay en su almacén y lo que falta\n"
         "  rol AAAA-MM [--turno T]     escribe en PDF el rol de turnos del mes (de un\n"
         "                              turno con --turno) en la carpeta de reportes\n"
         "\n"

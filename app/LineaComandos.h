@@ -17,6 +17,7 @@ struct LineaComandos
     bool demo = false;     // --demo (crea-base)
     bool ayuda = false;    // --help / -h
     QString turno;         // --turno (rol)
+    bool csv = false;      // --csv (materiales)
     QString orden;         // the sub-command; empty opens the main window
     QStringList argumentos;
 

@@ -1,11 +1,14 @@
 #include "app/Lotes.h"
 
 #include "app/Componente.h"
+#include "contract/Servicios.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/Comprobaciones.h"
+#include "host/servicios/Existencias.h"
 #include "runtime/Text.h"
 
 #include <QObject>
+#include <QVariant>
 
 #include <algorithm>
 #include <optional>
@@ -84,6 +87,11 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
         return d;
     }
     anfitrion::compruebaLlamada(db, metodo, valores);
+    // The station's settings are the environment's the component was given.
+    auto *ambiente =
+        qobject_cast<zuvi::Ambiente *>(produccion->property("Ambiente").value<QObject *>());
+    const QString aviso =
+        anfitrion::compruebaExistencias(db, anfitrion::ajustesEstacion(ambiente), metodo, valores);
     const bool entrega = metodo == QLatin1String("EntregaProductoTerminado");
     const qint32 op = entrega ? valores.value(0).toInt() : 0;
     std::optional<anfitrion::ControlEntrega> control;
@@ -100,6 +108,8 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
             return d;
         }
     }
+    if (!aviso.isEmpty())
+        anfitrion::interaccion().mensaje(aviso, 48);
     anfitrion::LoteDeReportes reportes;
     const Resultado r = invocaMiembro(produccion, miembro, valores);
     d.llamado = true;

@@ -24,9 +24,10 @@ struct Desenlace
 };
 
 // Calls a member with values of its parameter types. For the batch members:
-// the checks of host/servicios/Comprobaciones.h (they throw anfitrion::Rechazo and
-// nothing runs); before delivering an order that already has finished-kit
-// entries, a question (a no runs nothing); repeated identical reports
+// the checks of host/servicios/Comprobaciones.h and the stock of host/servicios/Existencias.h
+// (they throw anfitrion::Rechazo, or Faltante for a shortage, and nothing
+// runs; a shortage the station allows is shown as a warning); before delivering an order that
+// already has finished-kit entries, a question (a no runs nothing); repeated identical reports
 // counted; after a delivery, the lines that got no entry, with the first
 // error. Throws Error when the call itself cannot be made.
 Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaMethod &miembro,

@@ -2,8 +2,10 @@
 
 #include "app/Comandos.h"
 #include "app/Componente.h"
+#include "app/DialogoEstacion.h"
 #include "app/DialogoKit.h"
 #include "app/Lotes.h"
+#include "app/Materiales.h"
 #include "contract/Identidad.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
@@ -125,9 +127,25 @@ void VentanaPrincipal::creaMenus()
     m_entrega =
         agrega(ordenes, QStringLiteral("&Entregar producto terminado"), &VentanaPrincipal::entrega);
     m_cancela = agrega(ordenes, QStringLiteral("C&ancelar orden"), &VentanaPrincipal::cancela);
+    agrega(ordenes, QStringLiteral("Mate&riales de la orden"), [this] {
+        if (const qint32 op = ordenSeleccionada()) {
+            try {
+                muestraMateriales(this, m_sesion.conexion(), op);
+            } catch (...) {
+                muestraError(describeCurrentException());
+            }
+        }
+    })->setObjectName(QStringLiteral("actMateriales"));
     ordenes->addSeparator();
     agrega(ordenes, QStringLiteral("Ac&tualizar"), &VentanaPrincipal::actualiza,
            QKeySequence(Qt::Key_F5));
+    agrega(ordenes, QStringLiteral("Con&figuración de la estación..."), [this] {
+        try {
+            DialogoEstacion(m_sesion.conexion(), m_sesion.opciones().estacion, this).exec();
+        } catch (...) {
+            muestraError(describeCurrentException());
+        }
+    })->setObjectName(QStringLiteral("actEstacion"));
     ordenes->addSeparator();
     agrega(ordenes, QStringLiteral("&Salir"), &QWidget::close, QKeySequence::Quit);
 

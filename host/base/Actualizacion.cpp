@@ -99,13 +99,21 @@ void aVersion2(const QSqlDatabase &db, Motor motor)
             reconstruye(db, motor, t);
 }
 
+// Version 3: the station's settings for negative stock and for order lines
+// that are not kits (both off).
+void aVersion3(const QSqlDatabase &db, Motor motor)
+{
+    if (tieneTabla(db, QStringLiteral("estaciones")))
+        reconstruye(db, motor, QStringLiteral("estaciones"));
+}
+
 struct Paso
 {
     int version; // the version the step leaves
     void (*aplica)(const QSqlDatabase &, Motor);
 };
 
-const Paso kPasos[] = {{2, aVersion2}};
+const Paso kPasos[] = {{2, aVersion2}, {3, aVersion3}};
 
 } // namespace
 

@@ -113,7 +113,11 @@ const Tabla kTablas[] = {
                " ultimo INT NOT NULL DEFAULT 0"},
     {"estaciones", "estacion @T(20) NOT NULL PRIMARY KEY,"
                    " almacen INT NOT NULL DEFAULT 1,"
-                   " lector SMALLINT NOT NULL DEFAULT 0"},
+                   " lector SMALLINT NOT NULL DEFAULT 0,"
+                   // Shops that post first and count later let stock go below zero.
+                   " existencianegativa SMALLINT NOT NULL DEFAULT 0,"
+                   // Shops that list materials on their orders take lines that are not kits.
+                   " lineassinkit SMALLINT NOT NULL DEFAULT 0"},
     {"movimientos", "id @ID,"
                     " tipo @T(1) NOT NULL,"
                     " concepto @T(4) DEFAULT '',"

@@ -18,7 +18,7 @@ namespace zuvi::anfitrion {
 // The version of the schema this program creates. A database without a
 // version row is of version 1. Each version up adds one step to the upgrade
 // (host/base/Actualizacion.h).
-constexpr int kVersionEsquema = 2;
+constexpr int kVersionEsquema = 3;
 
 // A named check of a text column: its length, or (for a key the module
 // writes between quotes) that it holds no quote.

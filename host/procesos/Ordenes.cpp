@@ -1,7 +1,8 @@
-// The order editor's guarded steps: its load ("Op001"), each new line
-// ("Op005") and its closing ("Op006"). The reference host has no rule of its
-// own for them and lets the editor go ahead; a shop that needs one replaces
-// the handler (ponManejadorProceso), as the tests do to refuse a step.
+// The order editor's closing ("Op006"): the reference host has no rule of
+// its own for it and lets the editor go ahead; a shop that needs one replaces
+// the handler (ponManejadorProceso), as the tests do to refuse a step. The
+// load ("Op001") and each new line ("Op005") have the host's rules
+// (procesos/ReglasOrden.cpp).
 
 #include "host/procesos/Ordenes.h"
 
@@ -18,7 +19,7 @@ void sigue(ArgumentosProceso &argumentos)
 
 QList<ProcesoAnfitrion> procesosOrdenes()
 {
-    return {{"Op001", sigue}, {"Op005", sigue}, {"Op006", sigue}};
+    return {{"Op006", sigue}};
 }
 
 } // namespace zuvi::anfitrion

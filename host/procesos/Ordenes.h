@@ -4,7 +4,11 @@
 
 namespace zuvi::anfitrion {
 
-// The handlers of the order editor's guarded steps ("Op001", "Op005", "Op006").
+// The handler of the order editor's closing ("Op006").
 QList<ProcesoAnfitrion> procesosOrdenes();
+
+// The host's rules at the editor's load ("Op001") and at each new line
+// ("Op005"), in procesos/ReglasOrden.cpp.
+QList<ProcesoAnfitrion> procesosReglasOrden();
 
 } // namespace zuvi::anfitrion

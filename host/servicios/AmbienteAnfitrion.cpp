@@ -108,18 +108,18 @@ RecordsetPtr AmbienteAnfitrion::ParametrosEstacion()
     // The station's own row, else the default station's, else the first
     // warehouse with no reader: a new order always gets a warehouse.
     const QString sql = QStringLiteral(
-        "SELECT estacion AS Estacion, almacen AS Almacen, lector AS Lector FROM estaciones"
-        " WHERE estacion = ?");
+        "SELECT estacion AS Estacion, almacen AS Almacen, lector AS Lector, existencianegativa AS "
+        "ExistenciaNegativa, lineassinkit AS LineasSinKit FROM estaciones WHERE estacion = ?");
     for (const QString &estacion : {m_opciones.estacion, QStringLiteral("1")}) {
         QSqlQuery q = ejecutaConValores(m_conexion, sql, {estacion});
         RecordsetPtr rs = Recordset::fromQuery(q);
         if (!rs->atEnd())
             return rs;
     }
-    return std::make_shared<Recordset>(QStringList{QStringLiteral("Estacion"),
-                                                   QStringLiteral("Almacen"),
-                                                   QStringLiteral("Lector")},
-                                       QList<QVariantList>{{m_opciones.estacion, 1, 0}});
+    return std::make_shared<Recordset>(
+        QStringList{QStringLiteral("Estacion"), QStringLiteral("Almacen"), QStringLiteral("Lector"),
+                    QStringLiteral("ExistenciaNegativa"), QStringLiteral("LineasSinKit")},
+        QList<QVariantList>{{m_opciones.estacion, 1, 0, 0, 0}});
 }
 
 QObject *AmbienteAnfitrion::ContenedorRutas()

@@ -1,5 +1,9 @@
 #include "host/servicios/ConstructorSqlAnfitrion.h"
 
+#include "host/base/Sesion.h"
+#include "host/procesos/Procesos.h"
+#include "host/servicios/CantidadPartida.h"
+#include "host/servicios/Registro.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
@@ -190,6 +194,11 @@ void ConstructorSqlAnfitrion::Ejecuta()
     if (!m_hayConexion || !m_conexion.isValid())
         throw Error(QStringLiteral("El constructor de sentencias no tiene conexión con la base de "
                                    "datos."));
+    for (const Campo &c : std::as_const(m_campos))
+        if (c.tabla.compare(QLatin1String("oppart"), Qt::CaseInsensitive) == 0 &&
+            c.columna.compare(QLatin1String("cantidad"), Qt::CaseInsensitive) == 0 &&
+            rechazaCantidadPartida(m_conexion, m_tipo, c.valor, m_condicion))
+            return;
     ejecutaAccion(m_conexion, m_sentencia, m_valores, m_texto);
 }
 

@@ -16,6 +16,8 @@
 // - An INSERT with no columns is an Error; an INSERT ignores the condition.
 // - Ejecuta without a Genera since the last change, or without a connection,
 //   is an Error.
+// - A quantity of an order line (oppart.cantidad) that is not a number above
+//   zero is not written (host/CantidadPartida.h).
 // - Values keep their type: whole numbers, reals, texts, dates, times, date
 //   times, booleans (as 1/0) and null; a QObject* stands for its default text.
 

@@ -30,6 +30,10 @@ const QString kExistenciasMariaDB =
 void DocumentoInventarioAnfitrion::PonAmbiente(Ambiente *ambiente)
 {
     m_ambiente = ambiente;
+    // A new header: a batch already under way is an outer one.
+    if (!m_tanda.tipo.isEmpty())
+        m_externas.append(m_tanda);
+    m_tanda = Tanda();
 }
 void DocumentoInventarioAnfitrion::PonDatoDocumento(const QVariant &dato)
 {
@@ -105,12 +109,12 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
                         .arg(m_costo, 0, 'g', 15));
 
     const QSqlDatabase db = m_ambiente->Conexion();
-    const double importe = m_cantidad * m_costo;
+    const auto [importe, costo] = valora(tipo);
     const qint64 almacen = std::llround(m_almacen);
     const QVariant fecha =
         m_fecha.isValid() ? QVariant(m_fecha) : QVariant(QMetaType::fromType<QDate>());
     const QVariantList fila{tipo,    m_concepto, m_orden,    m_folio, m_usuario, fecha,
-                            almacen, m_articulo, m_cantidad, m_costo, importe};
+                            almacen, m_articulo, m_cantidad, costo,   importe};
     const double cambio = tipo == QLatin1String("E") ? m_cantidad : -m_cantidad;
     const bool lite = motorDe(db) == Motor::SQLite;
 
@@ -122,7 +126,23 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
                   {m_articulo, almacen, cambio});
     transaccion.confirma();
     numero = id.isValid() ? id.toInt() : 0;
+    // Only what was posted counts toward the batch.
+    if (m_tanda.tipo.isEmpty() || m_tanda.tipo == tipo) {
+        m_tanda.tipo = tipo;
+        m_tanda.valor += importe;
+    } else {
+        m_tanda = m_externas.isEmpty() ? Tanda() : m_externas.takeLast();
+    }
     return importe;
+}
+
+std::pair<double, double> DocumentoInventarioAnfitrion::valora(const QString &tipo)
+{
+    if (m_tanda.tipo.isEmpty() || m_tanda.tipo == tipo)
+        return {m_cantidad * m_costo, m_costo};
+    // The kit: worth its components.
+    const double importe = m_tanda.valor;
+    return {importe, m_cantidad != 0 ? importe / m_cantidad : 0.0};
 }
 
 } // namespace zuvi::anfitrion

@@ -6,12 +6,23 @@
 // warehouse in existencias (in for "E", out for "S"; the stock row is created
 // when missing), both in one transaction of their own. The values stay set
 // for the next movement, so a caller changes only what differs.
+//
+// An assembly or a disassembly is one batch: its header (PonAmbiente onward),
+// then the components all in one direction, then the kit in the other. The
+// kit's movement is valued at what its components' movements were worth,
+// whatever cost it was handed: importe = that value, costo = importe /
+// cantidad. So what enters is worth what leaves. A batch opened inside
+// another (a kit taken apart while its parent is) is closed by its own kit
+// and the outer one goes on.
 
 #include "contract/Servicios.h"
 
 #include <QDate>
+#include <QList>
 #include <QPointer>
 #include <QVariant>
+
+#include <utility>
 
 namespace zuvi::anfitrion {
 
@@ -34,7 +45,7 @@ public:
     void PonArticulo(const QString &articulo) override;
     void PonCantidad(double cantidad) override;
     void PonCosto(double costo) override;
-    // Leaves the new movement's id in numero; returns cantidad x costo.
+    // Leaves the new movement's id in numero; returns its importe.
     double AplicaMovimiento(qint32 &numero) override;
 
     // The origin values kept with the document (not posted).
@@ -42,6 +53,17 @@ public:
     qint32 datoFecha() const { return m_datoFecha; }
 
 private:
+    // The batch being posted: its components' direction and their value.
+    struct Tanda
+    {
+        QString tipo; // empty until its first movement
+        double valor = 0;
+    };
+    // The value and unit cost of the movement about to be posted.
+    std::pair<double, double> valora(const QString &tipo);
+
+    Tanda m_tanda;
+    QList<Tanda> m_externas;
     QPointer<Ambiente> m_ambiente;
     QVariant m_datoDocumento;
     qint32 m_datoFecha = 0;

@@ -94,6 +94,13 @@ private slots:
             {"ensamble SOPORTE 3 2", 0, "terminado", "3 2 0 4 14"},
             {"desensamble SOPORTE 1,5 3", 0, "", "3 2 0 4 10.5"},
             {"invoca MuestraCapturaDeFracciones", 0, "Sin pantalla", intacta},
+            // Short of components: refused, named, nothing posted, whatever the door.
+            {"ensamble SOPORTE 3 5000", 1, "TORN-01|faltan 15,000|TUER-01|PLAC-01|faltan 4,800",
+             intacta},
+            {"invoca Ensamble SOPORTE 3 5000", 1,
+             "TORN-01|faltan 15,000|TUER-01|PLAC-01|faltan 4,800", intacta},
+            {"desensamble SOPORTE 13 3", 1, "SOPORTE|faltan 1", intacta},
+            {"entrega 1 --csv", 2, "--csv", intacta},
             {"rol 2024-13", 2, "AAAA-MM", intacta},
             {"entrega 1 --turno NOCHE", 2, "--turno", intacta},
             {"rol 2024-05 --turno NOCHE", 0, "3 empleados|RolMes-2024-05-NOCHE.pdf", intacta},

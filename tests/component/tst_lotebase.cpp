@@ -76,11 +76,12 @@ private Q_SLOTS:
             caso.des ? p->Desensamble("SOPORTE", 2.5, 3, caso.op)
                      : p->Ensamble("SOPORTE", 3, 3, caso.op);
             // SOPORTE: 4 TORN-01, 4 TUER-01 and 1 PLAC-01 each; 12 of them in warehouse 3.
+            // The kit is posted at the unit cost of its parts.
             QStringList e{"S # 1 TORN-01 12 0.5", "S # 1 TUER-01 12 0.3", "S # 1 PLAC-01 3 12",
-                          "E $ 3 SOPORTE 3 45.6"};
+                          "E $ 3 SOPORTE 3 15.2"};
             if (caso.des)
                 e = QStringList{"E # 1 TORN-01 10 0.5", "E # 1 TUER-01 10 0.3",
-                                "E # 1 PLAC-01 2.5 12", "S $ 3 SOPORTE 2.5 38"};
+                                "E # 1 PLAC-01 2.5 12", "S $ 3 SOPORTE 2.5 15.2"};
             QCOMPARE(base->filas(kMovimientos),
                      e.replaceInStrings("#", c[0]).replaceInStrings("$", c[1]));
             QCOMPARE(existencias(), QString(caso.des ? "SOPORTE 3 9.5, TORN-01 1 5010"
@@ -122,9 +123,9 @@ private Q_SLOTS:
 
         // A fresh connection sees what was posted; the lines count as delivered only if all were.
         const auto otra = anfitrion::Sesion::abre({.base = base->url()}, false);
-        QStringList todos{"S # 1 TORN-01 40 0.5", "S # 1 TUER-01 40 0.3", "S # 1 PLAC-01 10 12",
-                          "E # 3 SOPORTE 10 152", "S # 1 TAB-01 2 45",    "S # 3 SOPORTE 4 15.2",
-                          "S # 1 PINT-01 0.5 80", "E # 3 REPISA 2 190.8"};
+        QStringList todos{"S # 1 TORN-01 40 0.5",  "S # 1 TUER-01 40 0.3", "S # 1 PLAC-01 10 12",
+                          "E # 3 SOPORTE 10 15.2", "S # 1 TAB-01 2 45",    "S # 3 SOPORTE 4 15.2",
+                          "S # 1 PINT-01 0.5 80",  "E # 3 REPISA 2 95.4"};
         todos.replaceInStrings("#", "OP 1 45429");
         QCOMPARE(filas(otra->conexion(), kMovimientos), pierde ? todos.mid(0, 4) : todos);
         QCOMPARE(filas(otra->conexion(), "SELECT op, terminado FROM oppart ORDER BY id_entrada"),

@@ -55,7 +55,8 @@ private Q_SLOTS:
             "articulo Componente Cantidad Almacen; turnos: turno entrada comida salida descanso "
             "regcomida; turnoempleado: turno empleado; horarios: id turno fecha Empleado "
             "HoraEntrada comida HoraSalida; empleados: empleado nombre; mensajes: numero texto; "
-            "folios: clave ultimo; estaciones: estacion almacen lector; existencias: articulo "
+            "folios: clave ultimo; estaciones: estacion almacen lector existencianegativa "
+            "lineassinkit; existencias: articulo "
             "almacen cantidad; fracciones: id codigo articulo usuario fecha hora estacion");
         for (const QString &linea : tablas.split(QStringLiteral("; "))) {
             const QSqlRecord columnas = base.conexion().record(linea.section(':', 0, 0));

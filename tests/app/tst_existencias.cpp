@@ -1,0 +1,97 @@
+// Stock through the executable's doors: a station that allows negative stock
+// posts and warns; assemblies, disassemblies and deliveries post as much as
+// they take out; a delivery short of a component posts nothing; an order's
+// material needs, as text and as CSV.
+
+#include "tests/support/BaseDePrueba.h"
+#include "tests/support/Corrida.h"
+
+#include <QTemporaryDir>
+#include <QtTest>
+
+using namespace zuvi;
+using pruebas::corre;
+using pruebas::Corrida;
+
+// What came in less what went out (0 when both weigh the same), and the unit
+// cost SOPORTE was posted at.
+const char *const kBalance =
+    "SELECT ROUND(SUM(CASE WHEN tipo = 'E' THEN importe ELSE -importe END), 2), "
+    "ROUND(MAX(CASE WHEN articulo = 'SOPORTE' THEN costo END), 2) FROM movimientos";
+
+class TstExistencias : public QObject
+{
+    Q_OBJECT
+
+    QTemporaryDir m_dir;
+
+private slots:
+    void initTestCase()
+    {
+        qputenv("ZUVI_REGISTRO", QFile::encodeName(m_dir.filePath("componentes.ini")));
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    }
+
+    void puertas_data()
+    {
+        QTest::addColumn<QString>("prepara");
+        QTest::addColumn<QString>("args");
+        QTest::addColumn<int>("codigo");
+        QTest::addColumn<QString>("dice"); // in the output or the errors, | between texts
+        QTest::addColumn<QString>("consulta");
+        QTest::addColumn<QString>("resultado");
+        QTest::newRow("negativas permitidas")
+            << "UPDATE estaciones SET existencianegativa = 1"
+            << "ensamble SOPORTE 3 5000" << 0 << "Aviso|TORN-01|faltan 15,000|terminado"
+            << "SELECT cantidad FROM existencias WHERE articulo = 'TORN-01'"
+            << "-15000";
+        QTest::newRow("ensamble") << ""
+                                  << "ensamble SOPORTE 3 3" << 0 << "terminado" << kBalance
+                                  << "0 15.2";
+        QTest::newRow("desensamble")
+            << ""
+            << "desensamble SOPORTE 2 3" << 0 << "terminado" << kBalance << "0 15.2";
+        QTest::newRow("entrega") << ""
+                                 << "entrega 1" << 0 << "entregado" << kBalance << "0 15.2";
+        QTest::newRow("entrega corta")
+            << "UPDATE existencias SET cantidad = 10 WHERE articulo = 'TORN-01'"
+            << "entrega 2" << 1
+            << "orden de producción 2|TORN-01|se necesitan 50, hay 10, faltan 40"
+            << "SELECT COUNT(*) FROM movimientos"
+            << "0";
+        QTest::newRow("materiales")
+            << "UPDATE existencias SET cantidad = 10 WHERE articulo = 'TORN-01'"
+            << "materiales 2 --csv" << 0
+            << "articulo,descripcion,almacen,nombre_almacen,necesario,existencia,faltante\n"
+               "TORN-01,\"Tornillo 1/4\"\"\",1,Almacén general,50,10,40\n"
+               "TUER-01,\"Tuerca 1/4\"\"\",1,Almacén general,50,5000,0\n"
+            << "SELECT COUNT(*) FROM movimientos"
+            << "0";
+        QTest::newRow("materiales en texto")
+            << ""
+            << "materiales 1" << 0
+            << "Materiales de la orden 1: hay existencias de todo.|SOPORTE|Soporte metálico"
+            << "SELECT COUNT(*) FROM movimientos"
+            << "0";
+    }
+    void puertas()
+    {
+        QFETCH(QString, prepara);
+        QFETCH(QString, args);
+        QFETCH(int, codigo);
+        QFETCH(QString, dice);
+        QFETCH(QString, consulta);
+        QFETCH(QString, resultado);
+        pruebas::BaseDePrueba base;
+        if (!prepara.isEmpty())
+            base.ejecuta(prepara);
+        const Corrida c = corre(QStringList{"--base", base.url()} + args.split(' '));
+        QVERIFY2(c.codigo == codigo, c.dice());
+        for (const QString &texto : dice.split('|'))
+            QVERIFY2((c.salida + c.error).contains(texto), c.dice());
+        QCOMPARE(base.filas(consulta).join('|'), resultado);
+    }
+};
+
+QTEST_MAIN(TstExistencias)
+#include "tst_existencias.moc"

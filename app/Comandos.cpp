@@ -2,6 +2,7 @@
 
 #include "app/Componente.h"
 #include "app/Lotes.h"
+#include "app/catalogos/OrdenesDatos.h"
 #include "host/Comprobaciones.h"
 #include "host/Interaccion.h"
 #include "host/Reportes.h"
@@ -336,6 +337,8 @@ int ejecuta(const LineaComandos &lc)
         return cancela(lc);
     if (o == QLatin1String("rol"))
         return rol(lc);
+    if (esOrdenDeDatos(o))
+        return ordenDeDatos(lc);
     throw ErrorDeUso(QStringLiteral("Orden desconocida: %1").arg(o));
 }
 

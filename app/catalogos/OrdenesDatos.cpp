@@ -29,9 +29,9 @@ void exige(const LineaComandos &lc, int minimo, int maximo, const QString &forma
 {
     const auto n = lc.argumentos.size();
     if (n < minimo || n > maximo)
-        throw MalArgumento(QStringLiteral("%1 argumentos. Uso: zuvi-produccion %2")
-                               .arg(n < minimo ? QStringLiteral("Faltan") : QStringLiteral("Sobran"),
-                                    forma));
+        throw MalArgumento(
+            QStringLiteral("%1 argumentos. Uso: zuvi-produccion %2")
+                .arg(n < minimo ? QStringLiteral("Faltan") : QStringLiteral("Sobran"), forma));
 }
 
 const Catalogo &catalogoDe(const QString &nombre)
@@ -68,7 +68,8 @@ public:
         m_pct = pct;
         m_dibujada = true;
         const QString barra = QString(pct / 4, u'#') + QString(25 - pct / 4, u'.');
-        std::fprintf(stderr, "\r%-12s [%s] %3d%%", qUtf8Printable(fase), qUtf8Printable(barra), pct);
+        std::fprintf(stderr, "\r%-12s [%s] %3d%%", qUtf8Printable(fase), qUtf8Printable(barra),
+                     pct);
         std::fflush(stderr);
     }
 
@@ -98,10 +99,11 @@ int importaArchivo(const LineaComandos &lc)
     }
     for (const Rechazo &x : r.rechazos)
         avisa(x.texto());
-    const QString formato = QStringLiteral("%1, separador %2")
-                                .arg(r.utf8 ? QStringLiteral("UTF-8") : QStringLiteral("Windows-1252"),
-                                     r.separador == u'\t' ? QStringLiteral("tabulador")
-                                                          : QStringLiteral("\"%1\"").arg(r.separador));
+    const QString formato =
+        QStringLiteral("%1, separador %2")
+            .arg(r.utf8 ? QStringLiteral("UTF-8") : QStringLiteral("Windows-1252"),
+                 r.separador == u'\t' ? QStringLiteral("tabulador")
+                                      : QStringLiteral("\"%1\"").arg(r.separador));
     if (!r.rechazos.empty()) {
         QSet<int> lineas;
         for (const Rechazo &x : r.rechazos)
@@ -113,17 +115,18 @@ int importaArchivo(const LineaComandos &lc)
                   .arg(formato));
         return Fallo;
     }
-    std::printf("%s\n", qUtf8Printable(
-                            QStringLiteral("%1: %2 filas revisadas, %3 nuevas y %4 actualizadas%5 "
-                                           "en %6 s (%7).")
-                                .arg(c.titulo)
-                                .arg(r.filas)
-                                .arg(r.insertadas)
-                                .arg(r.actualizadas)
-                                .arg(lc.simula ? QStringLiteral(" (simulación: no se escribió nada)")
-                                               : QString())
-                                .arg(double(reloj.elapsed()) / 1000.0, 0, 'f', 1)
-                                .arg(formato)));
+    std::printf(
+        "%s\n",
+        qUtf8Printable(
+            QStringLiteral("%1: %2 filas revisadas, %3 nuevas y %4 actualizadas%5 "
+                           "en %6 s (%7).")
+                .arg(c.titulo)
+                .arg(r.filas)
+                .arg(r.insertadas)
+                .arg(r.actualizadas)
+                .arg(lc.simula ? QStringLiteral(" (simulación: no se escribió nada)") : QString())
+                .arg(double(reloj.elapsed()) / 1000.0, 0, 'f', 1)
+                .arg(formato)));
     return Exito;
 }
 
@@ -141,8 +144,9 @@ int exportaArchivo(const LineaComandos &lc)
     if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(csv) != csv.size())
         throw Error(QStringLiteral("No se pudo escribir el archivo %1: %2")
                         .arg(lc.argumentos.at(1), f.errorString()));
-    std::printf("%s\n", qUtf8Printable(QStringLiteral("%1 escritos en %2.")
-                                           .arg(c.titulo, lc.argumentos.at(1))));
+    std::printf(
+        "%s\n",
+        qUtf8Printable(QStringLiteral("%1 escritos en %2.").arg(c.titulo, lc.argumentos.at(1))));
     return Exito;
 }
 
@@ -165,7 +169,8 @@ void imprimeTabla(const QStringList &encabezado, const QList<QStringList> &filas
         QStringList celdas;
         for (int i = 0; i < ancho.size(); ++i) {
             const QString t = f.value(i);
-            celdas << (numericas.contains(i) ? t.rightJustified(ancho[i]) : t.leftJustified(ancho[i]));
+            celdas << (numericas.contains(i) ? t.rightJustified(ancho[i])
+                                             : t.leftJustified(ancho[i]));
         }
         std::printf("%s\n", qUtf8Printable(celdas.join(QStringLiteral("  ")).trimmed()));
     };

@@ -61,9 +61,8 @@ void campo(void *datos, size_t largo, void *usuario)
 void finDeFila(int caracter, void *usuario)
 {
     auto *l = static_cast<Lector *>(usuario);
-    const bool vacia =
-        std::all_of(l->campos.cbegin(), l->campos.cend(),
-                    [](const QString &c) { return c.trimmed().isEmpty(); });
+    const bool vacia = std::all_of(l->campos.cbegin(), l->campos.cend(),
+                                   [](const QString &c) { return c.trimmed().isEmpty(); });
     if (!l->campos.isEmpty() && !vacia) {
         if (!l->encabezadoLeido) {
             l->archivo->encabezado = l->campos;
@@ -128,15 +127,15 @@ QChar separadorDe(const QByteArray &primeraLinea)
     return u',';
 }
 
-ArchivoCsv leeCsv(const QByteArray &bytes,
-                  const std::function<void(qint64, qint64)> &avance)
+ArchivoCsv leeCsv(const QByteArray &bytes, const std::function<void(qint64, qint64)> &avance)
 {
     ArchivoCsv archivo;
     QByteArrayView datos(bytes);
     if (datos.startsWith("\xEF\xBB\xBF"))
         datos = datos.sliced(3);
     archivo.utf8 = esUtf8(datos);
-    archivo.separador = separadorDe(datos.first(std::min<qsizetype>(datos.size(), 65536)).toByteArray());
+    archivo.separador =
+        separadorDe(datos.first(std::min<qsizetype>(datos.size(), 65536)).toByteArray());
     archivo.comaDecimal = archivo.separador != u',';
 
     csv_parser parser;

@@ -25,7 +25,7 @@ struct FilaCsv
 struct ArchivoCsv
 {
     QChar separador = u',';
-    bool utf8 = true;     // false: the bytes were read as Windows-1252
+    bool utf8 = true;         // false: the bytes were read as Windows-1252
     bool comaDecimal = false; // numbers may carry a decimal comma (separator ';' or tab)
     QStringList encabezado;
     int lineaEncabezado = 1;

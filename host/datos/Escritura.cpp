@@ -26,16 +26,18 @@ void Importador::guarda(const QString &tabla, const QList<int> &columnas, const 
     }
     try {
         if (!existe) {
-            ejecutaAccion(m_db, QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
-                                    .arg(tabla, nombres.join(u','),
-                                         QStringList(nombres.size(), QStringLiteral("?")).join(u',')),
+            ejecutaAccion(m_db,
+                          QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                              .arg(tabla, nombres.join(u','),
+                                   QStringList(nombres.size(), QStringLiteral("?")).join(u',')),
                           claves + valores); // the keys come first among the names
             ++m_r.insertadas;
         } else {
             if (!asignaciones.isEmpty())
-                ejecutaAccion(m_db, QStringLiteral("UPDATE %1 SET %2 WHERE %3")
-                                        .arg(tabla, asignaciones.join(u','),
-                                             condicion.join(QStringLiteral(" AND "))),
+                ejecutaAccion(m_db,
+                              QStringLiteral("UPDATE %1 SET %2 WHERE %3")
+                                  .arg(tabla, asignaciones.join(u','),
+                                       condicion.join(QStringLiteral(" AND "))),
                               valores + claves);
             ++m_r.actualizadas;
         }
@@ -88,11 +90,13 @@ void Importador::escribeKits()
         if (!hechos.contains(normal(k))) {
             hechos.insert(normal(k));
             if (!cabeceras.contains(normal(k)))
-                ejecutaAccion(m_db,
-                              QStringLiteral("INSERT INTO componen (articulo, Minimo) VALUES (?, ?)"),
-                              {k, minimo >= 0 && !f.valores.at(minimo).isNull() ? f.valores.at(minimo) : QVariant(1.0)});
+                ejecutaAccion(
+                    m_db, QStringLiteral("INSERT INTO componen (articulo, Minimo) VALUES (?, ?)"),
+                    {k, minimo >= 0 && !f.valores.at(minimo).isNull() ? f.valores.at(minimo)
+                                                                      : QVariant(1.0)});
             else if (minimo >= 0 && !f.valores.at(minimo).isNull())
-                ejecutaAccion(m_db, QStringLiteral("UPDATE componen SET Minimo = ? WHERE articulo = ?"),
+                ejecutaAccion(m_db,
+                              QStringLiteral("UPDATE componen SET Minimo = ? WHERE articulo = ?"),
                               {f.valores.at(minimo), k});
             ejecutaAccion(m_db, QStringLiteral("UPDATE prods SET kit = 1 WHERE articulo = ?"), {k});
         }
@@ -133,7 +137,8 @@ void Importador::revisaDespues()
     if (!m_kits)
         return;
     QHash<QString, QStringList> grafo;
-    for (RecordsetPtr r = consulta(m_db, QStringLiteral("SELECT articulo, Componente FROM comppart"));
+    for (RecordsetPtr r =
+             consulta(m_db, QStringLiteral("SELECT articulo, Componente FROM comppart"));
          !r->atEnd(); r->moveNext())
         grafo[normal(r->value(0))] << normal(r->value(1));
     const int kit = indice(QStringLiteral("articulo"));

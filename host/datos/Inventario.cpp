@@ -56,11 +56,10 @@ QList<Existencia> existencias(const QSqlDatabase &db, int almacen, const QString
         valores << almacen;
     }
     sql += QStringLiteral(" ORDER BY e.articulo, e.almacen");
-    const QStringList palabras =
-        formaDeBusqueda(busqueda).split(u' ', Qt::SkipEmptyParts);
+    const QStringList palabras = formaDeBusqueda(busqueda).split(u' ', Qt::SkipEmptyParts);
     QList<Existencia> l;
     for (RecordsetPtr r = consulta(db, sql, valores); !r->atEnd(); r->moveNext()) {
-        Existencia e{r->text(0), r->text(1), int(r->number(2)), r->text(3), r->number(4),
+        Existencia e{r->text(0),   r->text(1), int(r->number(2)), r->text(3), r->number(4),
                      r->number(5), 0};
         if (!palabras.isEmpty() && !hallada(palabras, e.articulo + u' ' + e.descripcion))
             continue;
@@ -113,18 +112,20 @@ QList<Movimiento> movimientos(const QSqlDatabase &db, const QString &articulo, i
 
 QStringList encabezadoExistencias()
 {
-    return {QStringLiteral("articulo"), QStringLiteral("descripcion"), QStringLiteral("almacen"),
-            QStringLiteral("nombre_almacen"), QStringLiteral("existencia"),
-            QStringLiteral("costo"), QStringLiteral("valor")};
+    return {QStringLiteral("articulo"),   QStringLiteral("descripcion"),
+            QStringLiteral("almacen"),    QStringLiteral("nombre_almacen"),
+            QStringLiteral("existencia"), QStringLiteral("costo"),
+            QStringLiteral("valor")};
 }
 
 QList<QStringList> filasExistencias(const QList<Existencia> &l)
 {
     QList<QStringList> filas;
     for (const Existencia &e : l)
-        filas << QStringList{e.articulo,           e.descripcion,          QString::number(e.almacen),
-                             e.nombreAlmacen,      textoNumero(e.cantidad), textoNumero(e.costo),
-                             textoNumero(e.valor)};
+        filas << QStringList{
+            e.articulo,          e.descripcion,           QString::number(e.almacen),
+            e.nombreAlmacen,     textoNumero(e.cantidad), textoNumero(e.costo),
+            textoNumero(e.valor)};
     return filas;
 }
 
@@ -141,16 +142,31 @@ QList<QStringList> filasMovimientos(const QList<Movimiento> &l)
     QList<QStringList> filas;
     for (const Movimiento &m : l) {
         if (m.tipo.isEmpty()) { // the opening balance
-            filas << QStringList{m.fecha.toString(Qt::ISODate), QString(),
-                                 QStringLiteral("SALDO ANTERIOR"), QString(), QString(), QString(),
+            filas << QStringList{m.fecha.toString(Qt::ISODate),
+                                 QString(),
+                                 QStringLiteral("SALDO ANTERIOR"),
+                                 QString(),
+                                 QString(),
+                                 QString(),
                                  m.almacen > 0 ? QString::number(m.almacen) : QString(),
-                                 QString(), QString(), QString(), QString(), textoNumero(m.saldo)};
+                                 QString(),
+                                 QString(),
+                                 QString(),
+                                 QString(),
+                                 textoNumero(m.saldo)};
             continue;
         }
-        filas << QStringList{m.fecha.toString(Qt::ISODate), m.tipo, m.concepto,
-                             QString::number(m.orden), m.folio, m.usuario,
-                             QString::number(m.almacen), textoNumero(m.entrada),
-                             textoNumero(m.salida), textoNumero(m.costo), textoNumero(m.valor),
+        filas << QStringList{m.fecha.toString(Qt::ISODate),
+                             m.tipo,
+                             m.concepto,
+                             QString::number(m.orden),
+                             m.folio,
+                             m.usuario,
+                             QString::number(m.almacen),
+                             textoNumero(m.entrada),
+                             textoNumero(m.salida),
+                             textoNumero(m.costo),
+                             textoNumero(m.valor),
                              textoNumero(m.saldo)};
     }
     return filas;

@@ -19,7 +19,7 @@ enum class Tipo { Texto, Clave, Entero, Real, Bandera };
 
 struct Columna
 {
-    QString nombre;     // as the table spells it
+    QString nombre; // as the table spells it
     Tipo tipo = Tipo::Texto;
     int largo = 0;      // texts: characters
     QString etiqueta;   // Spanish, as a header and in messages

@@ -1,0 +1,99 @@
+#include "app/catalogos/Listados.h"
+
+#include <QFileDialog>
+#include <QLocale>
+#include <QPageLayout>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
+#include <QTextDocument>
+
+namespace zuvi::app {
+
+ModeloFilas::ModeloFilas(QStringList encabezado, QList<int> numericas, QObject *padre)
+    : QAbstractTableModel(padre), m_encabezado(std::move(encabezado)),
+      m_numericas(std::move(numericas))
+{
+}
+
+void ModeloFilas::pon(QList<QStringList> filas)
+{
+    beginResetModel();
+    m_filas = std::move(filas);
+    endResetModel();
+}
+
+int ModeloFilas::rowCount(const QModelIndex &padre) const
+{
+    return padre.isValid() ? 0 : int(m_filas.size());
+}
+
+int ModeloFilas::columnCount(const QModelIndex &padre) const
+{
+    return padre.isValid() ? 0 : int(m_encabezado.size());
+}
+
+QVariant ModeloFilas::data(const QModelIndex &i, int rol) const
+{
+    const bool numero = m_numericas.contains(i.column());
+    if (rol == Qt::TextAlignmentRole)
+        return QVariant::fromValue(Qt::AlignVCenter | (numero ? Qt::AlignRight : Qt::AlignLeft));
+    if (rol != Qt::DisplayRole)
+        return {};
+    const QString t = m_filas.at(i.row()).value(i.column());
+    bool ok = false;
+    const double n = numero ? t.toDouble(&ok) : 0.0;
+    return ok ? QLocale().toString(n, 'f', 2) : t;
+}
+
+QVariant ModeloFilas::headerData(int seccion, Qt::Orientation o, int rol) const
+{
+    if (o == Qt::Horizontal && rol == Qt::DisplayRole)
+        return m_encabezado.value(seccion);
+    return QAbstractTableModel::headerData(seccion, o, rol);
+}
+
+QString htmlListado(const QString &titulo, const QStringList &encabezado,
+                    const QList<QStringList> &filas, const QList<int> &numericas,
+                    const QString &pie)
+{
+    QString h = QStringLiteral("<h3>%1</h3><table border=1 cellspacing=0 cellpadding=2 width=100%>"
+                               "<tr>")
+                    .arg(titulo.toHtmlEscaped());
+    for (const QString &e : encabezado)
+        h += QStringLiteral("<th>%1</th>").arg(e.toHtmlEscaped());
+    h += QStringLiteral("</tr>");
+    for (const QStringList &f : filas) {
+        h += QStringLiteral("<tr>");
+        for (int i = 0; i < encabezado.size(); ++i)
+            h += QStringLiteral("<td%1>%2</td>")
+                     .arg(numericas.contains(i) ? QStringLiteral(" align=right") : QString(),
+                          f.value(i).toHtmlEscaped());
+        h += QStringLiteral("</tr>");
+    }
+    return h + QStringLiteral("</table><p>%1</p>").arg(pie.toHtmlEscaped());
+}
+
+void imprime(QWidget *padre, const QString &html, bool pdf)
+{
+    QTextDocument documento;
+    documento.setHtml(html);
+    QPrinter impresora(QPrinter::HighResolution);
+    impresora.setPageOrientation(QPageLayout::Landscape);
+    if (pdf) {
+        const QString archivo = QFileDialog::getSaveFileName(
+            padre, QStringLiteral("Guardar en PDF"), QStringLiteral("listado.pdf"),
+            QStringLiteral("PDF (*.pdf)"));
+        if (archivo.isEmpty())
+            return;
+        impresora.setOutputFormat(QPrinter::PdfFormat);
+        impresora.setOutputFileName(archivo);
+        documento.print(&impresora);
+        return;
+    }
+    QPrintPreviewDialog vista(&impresora, padre);
+    QObject::connect(&vista, &QPrintPreviewDialog::paintRequested, padre,
+                     [&documento](QPrinter *p) { documento.print(p); });
+    vista.exec();
+}
+
+} // namespace zuvi::app

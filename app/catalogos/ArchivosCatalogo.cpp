@@ -45,11 +45,12 @@ void VentanaCatalogo::importa()
         QStringList lineas;
         for (const Rechazo &x : r.rechazos)
             lineas << x.texto();
-        QMessageBox caja(QMessageBox::Warning, windowTitle(),
-                         QStringLiteral("No se importó nada: %1 errores en el archivo. El primero:\n%2")
-                             .arg(r.rechazos.size())
-                             .arg(lineas.first()),
-                         QMessageBox::Ok, this);
+        QMessageBox caja(
+            QMessageBox::Warning, windowTitle(),
+            QStringLiteral("No se importó nada: %1 errores en el archivo. El primero:\n%2")
+                .arg(r.rechazos.size())
+                .arg(lineas.first()),
+            QMessageBox::Ok, this);
         caja.setDetailedText(lineas.join(u'\n'));
         caja.exec();
         return;
@@ -73,7 +74,8 @@ void VentanaCatalogo::exporta()
         const QByteArray csv = anfitrion::datos::exporta(m_db, m_catalogo);
         QFile f(archivo);
         if (!f.open(QIODevice::WriteOnly | QIODevice::Truncate) || f.write(csv) != csv.size())
-            return avisa(QStringLiteral("No se pudo escribir %1: %2").arg(archivo, f.errorString()));
+            return avisa(
+                QStringLiteral("No se pudo escribir %1: %2").arg(archivo, f.errorString()));
     } catch (const Error &e) {
         return avisa(e.description());
     }

@@ -42,7 +42,11 @@ QVariant ModeloFilas::data(const QModelIndex &i, int rol) const
     const QString t = m_filas.at(i.row()).value(i.column());
     bool ok = false;
     const double n = numero ? t.toDouble(&ok) : 0.0;
-    return ok ? QLocale().toString(n, 'f', 2) : t;
+    if (!ok)
+        return t;
+    // Whole numbers (an order number) stay whole; amounts get two decimals.
+    return t.contains(u'.') || i.column() >= 7 ? QLocale().toString(n, 'f', 2)
+                                               : QLocale().toString(qlonglong(n));
 }
 
 QVariant ModeloFilas::headerData(int seccion, Qt::Orientation o, int rol) const

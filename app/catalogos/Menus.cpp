@@ -15,10 +15,10 @@ void agregaMenusDeDatos(QMainWindow *ventana, const QSqlDatabase &db, QMenu *ant
     const struct
     {
         const char *texto, *nombre;
-    } kEntradas[] = {{"&Artículos", "articulos"}, {"&Kits", "kits"},
-                     {"A&lmacenes", "almacenes"}, {"&Monedas", "monedas"},
+    } kEntradas[] = {{"&Artículos", "articulos"},   {"&Kits", "kits"},
+                     {"A&lmacenes", "almacenes"},   {"&Monedas", "monedas"},
                      {"&Vendedores", "vendedores"}, {"&Empleados", "empleados"},
-                     {"&Conceptos", "conceptos"}, {"&Impuestos", "impuestos"}};
+                     {"&Conceptos", "conceptos"},   {"&Impuestos", "impuestos"}};
     for (const auto &e : kEntradas) {
         const QString nombre = QString::fromLatin1(e.nombre);
         catalogos->addAction(QString::fromUtf8(e.texto), ventana, [ventana, db, nombre] {

@@ -1,7 +1,7 @@
 #include "app/catalogos/ModeloTabla.h"
 
-#include "host/datos/Reglas.h"
 #include "host/Sql.h"
+#include "host/datos/Reglas.h"
 
 #include <QLocale>
 #include <QSqlRecord>
@@ -29,8 +29,7 @@ int ModeloTabla::indice(const QString &nombre) const
 void ModeloTabla::filtra(const QString &busqueda, const QString &enlace, const QVariant &valor)
 {
     QStringList condiciones;
-    const QString c =
-        condicionBusqueda(database(), m_catalogo.busqueda.split(u','), busqueda);
+    const QString c = condicionBusqueda(database(), m_catalogo.busqueda.split(u','), busqueda);
     if (!c.isEmpty())
         condiciones << c;
     if (!enlace.isEmpty())

@@ -172,7 +172,10 @@ void imprimeTabla(const QStringList &encabezado, const QList<QStringList> &filas
             celdas << (numericas.contains(i) ? t.rightJustified(ancho[i])
                                              : t.leftJustified(ancho[i]));
         }
-        std::printf("%s\n", qUtf8Printable(celdas.join(QStringLiteral("  ")).trimmed()));
+        QString texto = celdas.join(QStringLiteral("  "));
+        while (texto.endsWith(u' ')) // only the right: an empty first cell keeps its place
+            texto.chop(1);
+        std::printf("%s\n", qUtf8Printable(texto));
     };
     linea(encabezado);
     for (const QStringList &f : filas)

@@ -14,8 +14,8 @@
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QShortcut>
-#include <QSqlRecord>
 #include <QSqlError>
+#include <QSqlRecord>
 #include <QTableView>
 #include <QToolBar>
 #include <QVBoxLayout>
@@ -47,7 +47,8 @@ VentanaCatalogo::VentanaCatalogo(const QString &nombre, const QSqlDatabase &db, 
     resize(900, 600);
     auto *capas = new QVBoxLayout(this);
     m_buscador = new QLineEdit(this);
-    m_buscador->setPlaceholderText(QStringLiteral("Buscar (Ctrl+F): palabras de la clave o la descripción"));
+    m_buscador->setPlaceholderText(
+        QStringLiteral("Buscar (Ctrl+F): palabras de la clave o la descripción"));
     m_buscador->setClearButtonEnabled(true);
     m_buscador->installEventFilter(this);
     capas->addWidget(m_buscador);
@@ -216,8 +217,8 @@ bool VentanaCatalogo::guardaModelo(ModeloTabla *m)
     }
     // An article with a recipe is a kit for the editor's lookups.
     for (const QString &k : nuevosKits)
-        anfitrion::ejecutaAccion(m_db, QStringLiteral("UPDATE prods SET kit = 1 WHERE articulo = ?"),
-                                 {k});
+        anfitrion::ejecutaAccion(
+            m_db, QStringLiteral("UPDATE prods SET kit = 1 WHERE articulo = ?"), {k});
     return true;
 }
 
@@ -245,10 +246,11 @@ void VentanaCatalogo::borra()
     }
     const Catalogo &c = m->catalogo();
     const QVariant clave = m->valores(fila).value(c.columnas.first().nombre);
-    const QString que = m == m_detalle && m_catDetalle->nombre == QLatin1String("kits")
-                            ? QStringLiteral("el componente %1").arg(
-                                  m->valores(fila).value(QStringLiteral("Componente")).toString())
-                            : QStringLiteral("%1 %2").arg(c.singular, clave.toString());
+    const QString que =
+        m == m_detalle && m_catDetalle->nombre == QLatin1String("kits")
+            ? QStringLiteral("el componente %1")
+                  .arg(m->valores(fila).value(QStringLiteral("Componente")).toString())
+            : QStringLiteral("%1 %2").arg(c.singular, clave.toString());
     const QStringList usado = usos(m_db, c.nombre, clave);
     if (!usado.isEmpty())
         return avisa(QStringLiteral("No se puede borrar %1: se usa %2.")
@@ -259,10 +261,10 @@ void VentanaCatalogo::borra()
     try {
         anfitrion::Transaccion t(m_db);
         if (c.tabla == QLatin1String("componen")) { // a recipe goes with its components
-            anfitrion::ejecutaAccion(m_db, QStringLiteral("DELETE FROM comppart WHERE articulo = ?"),
-                                     {clave});
-            anfitrion::ejecutaAccion(m_db, QStringLiteral("UPDATE prods SET kit = 0 WHERE articulo = ?"),
-                                     {clave});
+            anfitrion::ejecutaAccion(
+                m_db, QStringLiteral("DELETE FROM comppart WHERE articulo = ?"), {clave});
+            anfitrion::ejecutaAccion(
+                m_db, QStringLiteral("UPDATE prods SET kit = 0 WHERE articulo = ?"), {clave});
         }
         m->removeRow(fila);
         if (!m->submitAll())
@@ -280,12 +282,13 @@ void VentanaCatalogo::busquedaF2(QTableView *vista)
 {
     auto *m = static_cast<ModeloTabla *>(vista->model());
     const QModelIndex i = vista->currentIndex();
-    const Columna *c = i.isValid() ? m->catalogo().columna(m->record().fieldName(i.column()))
-                                   : nullptr;
+    const Columna *c =
+        i.isValid() ? m->catalogo().columna(m->record().fieldName(i.column())) : nullptr;
     if (!c || c->referencia.isEmpty())
         return;
-    const QString titulo = c->referencia == QLatin1String("almacenes") ? QStringLiteral("Almacenes")
-                                                                         : QStringLiteral("Articulos");
+    const QString titulo = c->referencia == QLatin1String("almacenes")
+                               ? QStringLiteral("Almacenes")
+                               : QStringLiteral("Articulos");
     const anfitrion::DefinicionCatalogo *def = anfitrion::definicionCatalogo(titulo);
     try {
         anfitrion::DialogoCatalogo dialogo(*def, anfitrion::FilasCatalogo::lee(*def, {}, m_db), {},

@@ -57,7 +57,7 @@ private:
     void avisa(const QString &texto);
 
     QSqlDatabase m_db;
-    const anfitrion::datos::Catalogo &m_catalogo;      // what import and export take
+    const anfitrion::datos::Catalogo &m_catalogo; // what import and export take
     const anfitrion::datos::Catalogo *m_catDetalle = nullptr;
     QString m_enlace; // the detail's column that holds the master's key
     ModeloTabla *m_maestro = nullptr;

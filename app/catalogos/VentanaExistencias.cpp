@@ -30,7 +30,8 @@ public:
     {
         const bool numero = i.column() >= 4 || i.column() == 2;
         if (rol == Qt::TextAlignmentRole)
-            return QVariant::fromValue(Qt::AlignVCenter | (numero ? Qt::AlignRight : Qt::AlignLeft));
+            return QVariant::fromValue(Qt::AlignVCenter |
+                                       (numero ? Qt::AlignRight : Qt::AlignLeft));
         const QVariant v = QSqlQueryModel::data(i, rol);
         if (rol == Qt::DisplayRole && i.column() >= 4)
             return QLocale().toString(v.toDouble(), 'f', 2);
@@ -38,8 +39,8 @@ public:
     }
 };
 
-const char *const kColumnas[] = {"Artículo", "Descripción", "Almacén", "Nombre del almacén",
-                                 "Existencia", "Costo", "Valor"};
+const char *const kColumnas[] = {"Artículo",   "Descripción", "Almacén", "Nombre del almacén",
+                                 "Existencia", "Costo",       "Valor"};
 
 } // namespace
 
@@ -121,11 +122,12 @@ void VentanaExistencias::actualiza()
         m_db, {QStringLiteral("e.articulo"), QStringLiteral("p.descrip")}, m_buscador->text());
     if (!busqueda.isEmpty())
         condiciones << busqueda;
-    const QString donde = QStringLiteral(" FROM existencias e LEFT JOIN prods p ON p.articulo = "
-                                         "e.articulo LEFT JOIN almacen a ON a.almacen = e.almacen") +
-                          (condiciones.isEmpty() ? QString()
-                                                 : QStringLiteral(" WHERE ") +
-                                                       condiciones.join(QStringLiteral(" AND ")));
+    const QString donde =
+        QStringLiteral(" FROM existencias e LEFT JOIN prods p ON p.articulo = "
+                       "e.articulo LEFT JOIN almacen a ON a.almacen = e.almacen") +
+        (condiciones.isEmpty()
+             ? QString()
+             : QStringLiteral(" WHERE ") + condiciones.join(QStringLiteral(" AND ")));
     // Only the rows scrolled to are fetched; the totals come from the engine.
     m_modelo->setQuery(QStringLiteral("SELECT e.articulo, p.descrip, e.almacen, a.nombre, "
                                       "e.cantidad, p.costo, e.cantidad * p.costo") +
@@ -134,7 +136,8 @@ void VentanaExistencias::actualiza()
     for (int i = 0; i < 7; ++i)
         m_modelo->setHeaderData(i, Qt::Horizontal, QString::fromUtf8(kColumnas[i]));
     QSqlQuery suma(m_db);
-    suma.exec(QStringLiteral("SELECT COUNT(*), SUM(e.cantidad), SUM(e.cantidad * p.costo)") + donde);
+    suma.exec(QStringLiteral("SELECT COUNT(*), SUM(e.cantidad), SUM(e.cantidad * p.costo)") +
+              donde);
     suma.next();
     m_totales->setText(QStringLiteral("Total: %1 renglones, existencia %2, valor %3")
                            .arg(suma.value(0).toInt())

@@ -26,10 +26,10 @@ const QList<int> kNumericas = {3, 7, 8, 9, 10, 11};
 
 QStringList encabezado()
 {
-    return {QStringLiteral("Fecha"),   QStringLiteral("Tipo"),    QStringLiteral("Concepto"),
-            QStringLiteral("Orden"),   QStringLiteral("Folio"),   QStringLiteral("Usuario"),
-            QStringLiteral("Almacén"), QStringLiteral("Entrada"), QStringLiteral("Salida"),
-            QStringLiteral("Costo u."), QStringLiteral("Valor"),  QStringLiteral("Saldo")};
+    return {QStringLiteral("Fecha"),    QStringLiteral("Tipo"),    QStringLiteral("Concepto"),
+            QStringLiteral("Orden"),    QStringLiteral("Folio"),   QStringLiteral("Usuario"),
+            QStringLiteral("Almacén"),  QStringLiteral("Entrada"), QStringLiteral("Salida"),
+            QStringLiteral("Costo u."), QStringLiteral("Valor"),   QStringLiteral("Saldo")};
 }
 
 QDateEdit *fecha(QWidget *padre, const QDate &d)
@@ -98,10 +98,10 @@ void VentanaMovimientos::actualiza()
         m_estado->setText(QStringLiteral("No existe el artículo \"%1\".").arg(articulo));
         return;
     }
-    const auto l = anfitrion::datos::movimientos(
-        m_db, articulo, m_almacen->currentData().toInt(),
-        m_conDesde->isChecked() ? m_desde->date() : QDate(),
-        m_conHasta->isChecked() ? m_hasta->date() : QDate());
+    const auto l =
+        anfitrion::datos::movimientos(m_db, articulo, m_almacen->currentData().toInt(),
+                                      m_conDesde->isChecked() ? m_desde->date() : QDate(),
+                                      m_conHasta->isChecked() ? m_hasta->date() : QDate());
     m_modelo->pon(anfitrion::datos::filasMovimientos(l));
     m_estado->setText(QStringLiteral("%1 movimientos; saldo anterior %2, saldo final %3")
                           .arg(l.size() - 1)

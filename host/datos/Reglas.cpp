@@ -61,9 +61,9 @@ QString revisaKit(const QSqlDatabase &db, const QVariantMap &v)
 
 QString revisaMoneda(const QSqlDatabase &db, const QVariantMap &v)
 {
-    const RecordsetPtr r = consulta(
-        db, QStringLiteral("SELECT moneda FROM monedas WHERE Base <> 0 AND moneda <> ?"),
-        {v.value(QStringLiteral("moneda"))});
+    const RecordsetPtr r =
+        consulta(db, QStringLiteral("SELECT moneda FROM monedas WHERE Base <> 0 AND moneda <> ?"),
+                 {v.value(QStringLiteral("moneda"))});
     const int otras = r->rowCount();
     const bool base = v.value(QStringLiteral("Base")).toInt() != 0;
     if (base && otras > 0)
@@ -85,8 +85,13 @@ const Catalogo &cabeceraKits()
                             QStringLiteral("el kit"),
                             {{QStringLiteral("articulo"), Tipo::Clave, 30, QStringLiteral("Kit"),
                               QStringLiteral("articulos"), true, true},
-                             {QStringLiteral("Minimo"), Tipo::Real, 0,
-                              QStringLiteral("Rendimiento del lote"), {}, false, true}},
+                             {QStringLiteral("Minimo"),
+                              Tipo::Real,
+                              0,
+                              QStringLiteral("Rendimiento del lote"),
+                              {},
+                              false,
+                              true}},
                             QStringLiteral("articulo"),
                             QStringLiteral("articulo")};
     return c;

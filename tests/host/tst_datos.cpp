@@ -5,6 +5,7 @@
 #include "host/DocumentoInventarioAnfitrion.h"
 #include "host/datos/Importacion.h"
 #include "host/datos/Inventario.h"
+#include "host/datos/Reglas.h"
 #include "tests/support/BaseDePrueba.h"
 
 #include <QTest>
@@ -23,7 +24,8 @@ struct Dialecto
 };
 
 // "Ñandú; 2ª" as Windows-1252 bytes.
-const QByteArray kAcentos1252 = QByteArray("\xD1" "and\xFA; 2\xAA");
+const QByteArray kAcentos1252 = QByteArray("\xD1"
+                                           "and\xFA; 2\xAA");
 
 const Dialecto kDialectos[] = {
     {"coma, comillas con separador, comillas y salto de línea",
@@ -32,14 +34,17 @@ const Dialecto kDialectos[] = {
      "A-2,\"dos\nlíneas\",3\r\n",
      {"A-1|Tornillo, 1\"||2.5", "A-2|dos\nlíneas||3"}},
     {"UTF-8 con marca, punto y coma y coma decimal",
-     "\xEF\xBB\xBF" "ARTICULO;Descrip;COSTO;unidad\n"
+     "\xEF\xBB\xBF"
+     "ARTICULO;Descrip;COSTO;unidad\n"
      "A-3;\"Café; molido\";1.234,5;KG\n",
      {"A-3|Café; molido|KG|1234.5"}},
     {"Windows-1252, punto y coma, filas en blanco y orden distinto",
      "unidad;costo;articulo;descrip\r\n"
      ";;;\r\n"
-     "PZA;0,75;A-4;\"" + kAcentos1252 + "\"\r\n"
-     "\r\n",
+     "PZA;0,75;A-4;\"" +
+         kAcentos1252 +
+         "\"\r\n"
+         "\r\n",
      {"A-4|Ñandú; 2ª|PZA|0.75"}},
     {"tabulador", "articulo\tdescrip\tcosto\nA-5\tcon, coma\t7\n", {"A-5|con, coma||7"}},
 };
@@ -53,21 +58,31 @@ struct Rechazado
 };
 
 const Rechazado kRechazados[] = {
-    {"encabezado: columna desconocida y falta la clave", "articulos",
-     "descrip,precioo\nx,1\n", {"1 precioo", "1 "}},
-    {"tres filas malas entre buenas: todas, ninguna escrita", "articulos",
+    {"encabezado: columna desconocida y falta la clave",
+     "articulos",
+     "descrip,precioo\nx,1\n",
+     {"1 precioo", "1 "}},
+    {"tres filas malas entre buenas: todas, ninguna escrita",
+     "articulos",
      "articulo,descrip,costo\n"
      "N-1,bien,1\n"
      "N'2,comilla,1\n"
      "N-3,bien,uno\n"
-     "N-4," + QByteArray(101, 'x') + ",1\n"
-     "N-5,bien,2\n",
+     "N-4," +
+         QByteArray(101, 'x') +
+         ",1\n"
+         "N-5,bien,2\n",
      {"3 articulo", "4 costo", "5 descrip"}},
-    {"clave repetida en el archivo y fila con campos de más", "almacenes",
-     "almacen,nombre\n7,uno\n7,otro\n8,tres,cuatro\n", {"3 ", "4 "}},
-    {"claves de un artículo que no existe", "claves", "clave,Articulo\nK-1,NO-HAY\n",
+    {"clave repetida en el archivo y fila con campos de más",
+     "almacenes",
+     "almacen,nombre\n7,uno\n7,otro\n8,tres,cuatro\n",
+     {"3 ", "4 "}},
+    {"claves de un artículo que no existe",
+     "claves",
+     "clave,Articulo\nK-1,NO-HAY\n",
      {"2 Articulo"}},
-    {"kits: componente de sí mismo, rendimiento cero, otro rendimiento", "kits",
+    {"kits: componente de sí mismo, rendimiento cero, otro rendimiento",
+     "kits",
      "articulo,Minimo,Componente,Cantidad,Almacen\n"
      "TORN-01,1,TORN-01,1,1\n"
      "TUER-01,0,TORN-01,1,1\n"
@@ -75,13 +90,43 @@ const Rechazado kRechazados[] = {
      "PLAC-01,3,TUER-01,1,1\n"
      "PINT-01,1,TORN-01,1,99\n",
      {"2 Componente", "3 Minimo", "5 Minimo", "6 Almacen"}},
-    {"kits: el componente ya contiene al kit", "kits",
+    {"kits: el componente ya contiene al kit",
+     "kits",
      "articulo,Componente,Cantidad,Almacen\n"
      "TORN-01,TUER-01,1,1\n"
      "TUER-01,PLAC-01,1,1\n"
      "PLAC-01,TORN-01,1,1\n",
      {"2 Componente", "3 Componente", "4 Componente"}},
     {"monedas: dos bases", "monedas", "moneda,Tc,Base\nEUR,20,1\nUSD,17,1\n", {"3 "}},
+};
+
+struct Regla
+{
+    const char *catalogo; // "recetas": the kit window's header
+    QVariantMap fila;
+    bool nueva;
+    const char *motivo; // a piece of the refusal; empty when the row may be written
+};
+
+const Regla kReglas[] = {
+    {"articulos", {{"articulo", "A'1"}}, true, "comillas"},
+    {"articulos", {{"articulo", "TORN-01"}}, true, "ya existe el artículo"},
+    {"articulos", {{"articulo", "TORN-01"}, {"costo", "1,5"}}, false, ""},
+    {"claves", {{"clave", "K-9"}, {"Articulo", "NO-HAY"}}, true, "no existe el artículo"},
+    {"kits",
+     {{"articulo", "SOPORTE"}, {"Componente", "SOPORTE"}, {"Cantidad", 1}, {"Almacen", 1}},
+     true,
+     "sí mismo"},
+    {"kits",
+     {{"articulo", "TORN-01"}, {"Componente", "SOPORTE"}, {"Cantidad", 1}, {"Almacen", 1}},
+     true,
+     "contiene al kit"},
+    {"kits",
+     {{"articulo", "SOPORTE"}, {"Componente", "TAB-01"}, {"Cantidad", 1}, {"Almacen", 77}},
+     true,
+     "no existe el almacén"},
+    {"recetas", {{"articulo", "SOPORTE"}, {"Minimo", 0}}, false, "mayor que cero"},
+    {"monedas", {{"moneda", "XXX"}, {"Tc", 1}, {"Base", 1}}, true, "ya es base"},
 };
 
 QString lugar(const Rechazo &r)
@@ -105,10 +150,12 @@ private Q_SLOTS:
             QStringList rechazos;
             for (const Rechazo &x : r.rechazos)
                 rechazos << x.texto();
-            QVERIFY2(r.rechazos.empty() && r.escrito, qPrintable(d.nombre + (u' ' + rechazos.join(u'\n'))));
-            QCOMPARE(base.filas("SELECT articulo, descrip, unidad, costo FROM prods ORDER BY articulo",
-                                u'|'),
-                     d.esperado);
+            QVERIFY2(r.rechazos.empty() && r.escrito,
+                     qPrintable(d.nombre + (u' ' + rechazos.join(u'\n'))));
+            QCOMPARE(
+                base.filas("SELECT articulo, descrip, unidad, costo FROM prods ORDER BY articulo",
+                           u'|'),
+                d.esperado);
         }
     }
 
@@ -151,6 +198,30 @@ private Q_SLOTS:
             QCOMPARE(r.insertadas, 0);
             QCOMPARE(exporta(base.conexion(), c), antes);
         }
+    }
+
+    void reglasDeLasVentanasYCostoDelKit()
+    {
+        pruebas::BaseDePrueba base(true);
+        for (const Regla &r : kReglas) {
+            const QString nombre = QString::fromLatin1(r.catalogo);
+            const Catalogo &c =
+                nombre == QLatin1String("recetas") ? cabeceraKits() : *catalogo(nombre);
+            const QString motivo = revisaFila(base.conexion(), c, r.fila, r.nueva);
+            QVERIFY2(QString::fromUtf8(r.motivo).isEmpty()
+                         ? motivo.isEmpty()
+                         : motivo.contains(QString::fromUtf8(r.motivo)),
+                     qPrintable(nombre + QStringLiteral(": ") + motivo));
+        }
+        // 4 TORN-01 at 0.5, 4 TUER-01 at 0.3 and a PLAC-01 at 12 make one SOPORTE.
+        QCOMPARE(costoKit(base.conexion(), QStringLiteral("SOPORTE")), 15.2);
+        base.ejecuta("INSERT INTO componen (articulo, Minimo) VALUES ('PINT-01', 4)");
+        base.ejecuta("INSERT INTO comppart (articulo, Componente, Cantidad, Almacen) "
+                     "VALUES ('PINT-01', 'SOPORTE', 2, 1)");
+        QCOMPARE(costoKit(base.conexion(), QStringLiteral("PINT-01")), 7.6);
+        QVERIFY(!usos(base.conexion(), QStringLiteral("almacenes"), 1).isEmpty());
+        QVERIFY(
+            usos(base.conexion(), QStringLiteral("articulos"), QStringLiteral("NO-HAY")).isEmpty());
     }
 
     void tarjetaDeAlmacen()

@@ -7,6 +7,7 @@
 #include "host/datos/Reglas.h"
 #include "runtime/Error.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QHeaderView>
 #include <QKeyEvent>
@@ -115,6 +116,11 @@ void VentanaCatalogo::creaAcciones()
     };
     atajo(QKeySequence(Qt::CTRL | Qt::Key_N), &VentanaCatalogo::nuevo);
     atajo(QKeySequence(Qt::CTRL | Qt::Key_S), &VentanaCatalogo::guarda);
+    // F6 goes between the list and the one that belongs to its row.
+    atajo(QKeySequence(Qt::Key_F6), [this] {
+        if (m_vistaDetalle)
+            (m_vistaDetalle->hasFocus() ? m_vista : m_vistaDetalle)->setFocus();
+    });
     atajo(QKeySequence(Qt::CTRL | Qt::Key_F), [this] {
         m_buscador->setFocus();
         m_buscador->selectAll();
@@ -311,8 +317,9 @@ bool VentanaCatalogo::eventFilter(QObject *objeto, QEvent *evento)
         m_vista->setFocus();
         return true;
     }
-    // While a cell is edited its editor has the keys, not the view.
-    if (!vista)
+    // A key an open editor let through (Return, which the delegate commits
+    // afterwards) reaches the view too: only the view's own keys count.
+    if (!vista || QApplication::focusWidget() != vista)
         return QWidget::eventFilter(objeto, evento);
     switch (tecla->key()) {
     case Qt::Key_Return:

@@ -5,7 +5,8 @@
 // row: its additional keys, its components), and the same keys everywhere:
 // Ctrl+N new row, Enter or Ctrl+S saves, Supr deletes after a question,
 // Ctrl+F the search box, Escape discards the edit in progress or closes, F2
-// the lookup of a column that names an article or a warehouse.
+// the lookup of a column that names an article or a warehouse, F6 between the
+// two lists.
 
 #include "host/datos/Tablas.h"
 

@@ -7,6 +7,9 @@
 #include "host/datos/Inventario.h"
 #include "host/datos/Reglas.h"
 #include "tests/support/BaseDePrueba.h"
+#include "tests/support/Corrida.h"
+
+#include <QTemporaryDir>
 
 #include <QTest>
 
@@ -222,6 +225,46 @@ private Q_SLOTS:
         QVERIFY(!usos(base.conexion(), QStringLiteral("almacenes"), 1).isEmpty());
         QVERIFY(
             usos(base.conexion(), QStringLiteral("articulos"), QStringLiteral("NO-HAY")).isEmpty());
+    }
+
+    void ordenesYSusCodigosDeSalida()
+    {
+        pruebas::BaseDePrueba base(true);
+        QTemporaryDir dir;
+        auto archivo = [&](const char *nombre, const QByteArray &texto) {
+            QFile f(dir.filePath(QString::fromLatin1(nombre)));
+            QVERIFY(f.open(QIODevice::WriteOnly) && f.write(texto) == texto.size());
+        };
+        archivo("bueno.csv", "articulo;descrip;costo\r\nB-1;\"uno; dos\";1,5\r\n");
+        archivo("malo.csv", "articulo,costo\nM-1,1\nM-2,x\nM-3,y\n");
+        const struct
+        {
+            QStringList args;
+            int codigo;
+            const char *dice; // in the output or the error stream
+        } casos[] = {
+            {{"importa", "articulos", dir.filePath("bueno.csv"), "--simula"}, 0, "simulación"},
+            {{"importa", "articulos", dir.filePath("malo.csv")}, 1, "Línea 4, columna costo"},
+            {{"importa", "articulos", dir.filePath("bueno.csv")}, 0, "1 nuevas"},
+            {{"importa", "nada", dir.filePath("bueno.csv")}, 2, "No hay una tabla"},
+            {{"importa", "articulos", dir.filePath("no-hay.csv")}, 2, "No se pudo abrir"},
+            {{"exporta", "articulos"}, 0, "B-1,uno; dos,,0,,0,1.5,0"},
+            {{"existencias", "--almacen", "uno"}, 2, "número entero"},
+            {{"existencias", "--simula"}, 2, "--simula solo vale"},
+            {{"movimientos", "TORN-01", "--csv"}, 0, "SALDO ANTERIOR"},
+            {{"movimientos", "NO-HAY"}, 2, "No existe el artículo"},
+        };
+        for (const auto &c : casos) {
+            const pruebas::Corrida r = pruebas::corre(c.args + QStringList{"--base", base.url()});
+            QVERIFY2(r.codigo == c.codigo &&
+                         (r.salida + r.error).contains(QString::fromUtf8(c.dice)),
+                     r.dice());
+        }
+        // The refused file wrote nothing, the good one its row as written.
+        QCOMPARE(base.filas("SELECT articulo, descrip, costo FROM prods WHERE articulo LIKE 'B-%' "
+                            "OR articulo LIKE 'M-%'",
+                            u'|'),
+                 QStringList{"B-1|uno; dos|1.5"});
     }
 
     void tarjetaDeAlmacen()

@@ -222,6 +222,23 @@ private Q_SLOTS:
         base.ejecuta("INSERT INTO comppart (articulo, Componente, Cantidad, Almacen) "
                      "VALUES ('PINT-01', 'SOPORTE', 2, 1)");
         QCOMPARE(costoKit(base.conexion(), QStringLiteral("PINT-01")), 7.6);
+        // The windows' search: every word, in the code or the name, accents and case ignored.
+        const struct
+        {
+            const char *busqueda;
+            QStringList monedas;
+        } busquedas[] = {{"DOLARES", {"USD"}},
+                         {"eur euros", {"EUR"}},
+                         {"eur pesos", {}},
+                         {"", {"EUR", "MN", "USD"}}};
+        for (const auto &b : busquedas) {
+            const QString donde = condicionBusqueda(base.conexion(), {"moneda", "nombre"},
+                                                    QString::fromUtf8(b.busqueda));
+            QCOMPARE(base.filas("SELECT moneda FROM monedas" +
+                                (donde.isEmpty() ? QString() : " WHERE " + donde) +
+                                " ORDER BY moneda"),
+                     b.monedas);
+        }
         QVERIFY(!usos(base.conexion(), QStringLiteral("almacenes"), 1).isEmpty());
         QVERIFY(
             usos(base.conexion(), QStringLiteral("articulos"), QStringLiteral("NO-HAY")).isEmpty());

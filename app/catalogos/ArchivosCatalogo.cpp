@@ -1,5 +1,6 @@
 // The catalogue window's "Importar..." and "Exportar...".
 
+#include "app/catalogos/Listados.h"
 #include "app/catalogos/ModeloTabla.h"
 #include "app/catalogos/VentanaCatalogo.h"
 #include "host/datos/Importacion.h"
@@ -9,7 +10,6 @@
 #include <QFile>
 #include <QFileDialog>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QProgressDialog>
 
 namespace zuvi::app {
@@ -45,22 +45,18 @@ void VentanaCatalogo::importa()
         QStringList lineas;
         for (const Rechazo &x : r.rechazos)
             lineas << x.texto();
-        QMessageBox caja(
-            QMessageBox::Warning, windowTitle(),
-            QStringLiteral("No se importó nada: %1 errores en el archivo. El primero:\n%2")
-                .arg(r.rechazos.size())
-                .arg(lineas.first()),
-            QMessageBox::Ok, this);
-        caja.setDetailedText(lineas.join(u'\n'));
-        caja.exec();
+        aviso(
+            this, windowTitle(),
+            QStringLiteral("No se importó nada: %1 errores en el archivo.").arg(r.rechazos.size()),
+            lineas);
         return;
     }
     m_maestro->select();
     busca(m_buscador->text());
-    QMessageBox::information(this, windowTitle(),
-                             QStringLiteral("Importados: %1 nuevos y %2 actualizados.")
-                                 .arg(r.insertadas)
-                                 .arg(r.actualizadas));
+    aviso(this, windowTitle(),
+          QStringLiteral("Importados: %1 nuevos y %2 actualizados.")
+              .arg(r.insertadas)
+              .arg(r.actualizadas));
 }
 
 void VentanaCatalogo::exporta()

@@ -1,11 +1,17 @@
 #include "app/catalogos/Listados.h"
 
+#include <QDialog>
+#include <QDialogButtonBox>
 #include <QFileDialog>
+#include <QLabel>
 #include <QLocale>
 #include <QPageLayout>
+#include <QPlainTextEdit>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
+#include <QPushButton>
 #include <QTextDocument>
+#include <QVBoxLayout>
 
 namespace zuvi::app {
 
@@ -75,6 +81,27 @@ QString htmlListado(const QString &titulo, const QStringList &encabezado,
         h += QStringLiteral("</tr>");
     }
     return h + QStringLiteral("</table><p>%1</p>").arg(pie.toHtmlEscaped());
+}
+
+void aviso(QWidget *padre, const QString &titulo, const QString &texto, const QStringList &detalle)
+{
+    QDialog caja(padre);
+    caja.setWindowTitle(titulo);
+    auto *capas = new QVBoxLayout(&caja);
+    auto *etiqueta = new QLabel(texto, &caja);
+    etiqueta->setWordWrap(true);
+    capas->addWidget(etiqueta);
+    if (!detalle.isEmpty()) {
+        auto *lista = new QPlainTextEdit(detalle.join(u'\n'), &caja);
+        lista->setReadOnly(true);
+        lista->setMinimumSize(640, 240);
+        capas->addWidget(lista);
+    }
+    auto *botones = new QDialogButtonBox(&caja);
+    botones->addButton(QStringLiteral("&Aceptar"), QDialogButtonBox::AcceptRole)->setDefault(true);
+    QObject::connect(botones, &QDialogButtonBox::accepted, &caja, &QDialog::accept);
+    capas->addWidget(botones);
+    caja.exec();
 }
 
 void imprime(QWidget *padre, const QString &html, bool pdf)

@@ -36,6 +36,11 @@ QString htmlListado(const QString &titulo, const QStringList &encabezado,
                     const QList<QStringList> &filas, const QList<int> &numericas,
                     const QString &pie);
 
+// A warning box with its button in Spanish; detalle, when given, is shown
+// whole in a scrollable list under the text (every refused row of a file).
+void aviso(QWidget *padre, const QString &titulo, const QString &texto,
+           const QStringList &detalle = {});
+
 // Print preview of that HTML; pdf: asks for a file and writes it there.
 void imprime(QWidget *padre, const QString &html, bool pdf);
 

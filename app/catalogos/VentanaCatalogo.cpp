@@ -1,8 +1,10 @@
 #include "app/catalogos/VentanaCatalogo.h"
 
+#include "app/catalogos/Listados.h"
 #include "app/catalogos/ModeloTabla.h"
 #include "host/BuscaCatalogoAnfitrion.h"
 #include "host/CausaError.h"
+#include "host/Interaccion.h"
 #include "host/Sql.h"
 #include "host/datos/Reglas.h"
 #include "runtime/Error.h"
@@ -13,7 +15,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMessageBox>
 #include <QShortcut>
 #include <QSqlError>
 #include <QSqlRecord>
@@ -230,12 +231,18 @@ bool VentanaCatalogo::guardaModelo(ModeloTabla *m)
 
 bool VentanaCatalogo::guarda()
 {
+    // The row saved stays chosen, wherever its key puts it once read again.
+    const QString campo = m_maestro->catalogo().columnas.first().nombre;
     const int fila = m_vista->currentIndex().row();
+    const QVariant clave = fila >= 0 ? m_maestro->valores(fila).value(campo) : QVariant();
     if (!guardaModelo(m_maestro) || (m_detalle && !guardaModelo(m_detalle)))
         return false;
     m_estado->setText(QStringLiteral("Guardado."));
-    if (fila >= 0 && fila < m_maestro->rowCount())
-        m_vista->setCurrentIndex(m_maestro->index(fila, 0));
+    for (int r = 0; r < m_maestro->rowCount() && clave.isValid(); ++r)
+        if (m_maestro->valores(r).value(campo) == clave) {
+            m_vista->setCurrentIndex(m_maestro->index(r, 0));
+            break;
+        }
     muestraDetalle();
     return true;
 }
@@ -261,8 +268,7 @@ void VentanaCatalogo::borra()
     if (!usado.isEmpty())
         return avisa(QStringLiteral("No se puede borrar %1: se usa %2.")
                          .arg(que, usado.join(QStringLiteral("; "))));
-    if (QMessageBox::question(this, windowTitle(), QStringLiteral("¿Borrar %1?").arg(que)) !=
-        QMessageBox::Yes)
+    if (!anfitrion::interaccion().pregunta(QStringLiteral("¿Borrar %1?").arg(que)))
         return;
     try {
         anfitrion::Transaccion t(m_db);
@@ -353,9 +359,9 @@ void VentanaCatalogo::keyPressEvent(QKeyEvent *evento)
 void VentanaCatalogo::closeEvent(QCloseEvent *evento)
 {
     const bool sucio = m_maestro->isDirty() || (m_detalle && m_detalle->isDirty());
-    if (sucio && QMessageBox::question(this, windowTitle(),
-                                       QStringLiteral("Hay cambios sin guardar. ¿Descartarlos y "
-                                                      "cerrar?")) != QMessageBox::Yes) {
+    if (sucio && !anfitrion::interaccion().pregunta(
+                     QStringLiteral("Hay cambios sin guardar en %1. ¿Descartarlos y cerrar?")
+                         .arg(windowTitle()))) {
         evento->ignore();
         return;
     }
@@ -365,7 +371,7 @@ void VentanaCatalogo::closeEvent(QCloseEvent *evento)
 void VentanaCatalogo::avisa(const QString &texto)
 {
     m_estado->setText(texto);
-    QMessageBox::warning(this, windowTitle(), texto);
+    aviso(this, windowTitle(), texto);
 }
 
 } // namespace zuvi::app

@@ -216,6 +216,11 @@ private Q_SLOTS:
                          : motivo.contains(QString::fromUtf8(r.motivo)),
                      qPrintable(nombre + QStringLiteral(": ") + motivo));
         }
+        // A backslash in a key is refused where the engine reads it as an escape.
+        const QString barra =
+            revisaFila(base.conexion(), *catalogo("articulos"), {{"articulo", "A\\1"}}, true);
+        QCOMPARE(barra.contains(QStringLiteral("barras invertidas")),
+                 base.motor() == Motor::MariaDB);
         // 4 TORN-01 at 0.5, 4 TUER-01 at 0.3 and a PLAC-01 at 12 make one SOPORTE.
         QCOMPARE(costoKit(base.conexion(), QStringLiteral("SOPORTE")), 15.2);
         base.ejecuta("INSERT INTO componen (articulo, Minimo) VALUES ('PINT-01', 4)");

@@ -122,6 +122,7 @@ void imprime(QWidget *padre, const QString &html, bool pdf)
         return;
     }
     QPrintPreviewDialog vista(&impresora, padre);
+    vista.setWindowTitle(QStringLiteral("Vista previa"));
     QObject::connect(&vista, &QPrintPreviewDialog::paintRequested, padre,
                      [&documento](QPrinter *p) { documento.print(p); });
     vista.exec();

@@ -3,6 +3,7 @@
 #include "app/Componente.h"
 #include "app/Lotes.h"
 #include "app/Materiales.h"
+#include "app/catalogos/OrdenesDatos.h"
 #include "host/base/Direccion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/reportes/Reportes.h"
@@ -359,6 +360,8 @@ int ejecuta(const LineaComandos &lc)
         return rol(lc);
     if (o == QLatin1String("materiales"))
         return materiales(lc);
+    if (esOrdenDeDatos(o))
+        return ordenDeDatos(lc);
     throw ErrorDeUso(QStringLiteral("Orden desconocida: %1").arg(o));
 }
 

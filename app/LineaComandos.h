@@ -17,7 +17,10 @@ struct LineaComandos
     bool demo = false;     // --demo (crea-base)
     bool ayuda = false;    // --help / -h
     QString turno;         // --turno (rol)
-    bool csv = false;      // --csv (materiales)
+    bool simula = false;   // --simula (importa)
+    bool csv = false;      // --csv (materiales, existencias, movimientos)
+    QString almacen;       // --almacen (existencias, movimientos)
+    QString desde, hasta;  // --desde, --hasta (movimientos)
     QString orden;         // the sub-command; empty opens the main window
     QStringList argumentos;
 

@@ -1,5 +1,7 @@
 #include "app/VentanaPrincipal.h"
 
+#include "app/catalogos/Menus.h"
+
 #include "app/Comandos.h"
 #include "app/Componente.h"
 #include "app/DialogoEstacion.h"
@@ -160,6 +162,8 @@ void VentanaPrincipal::creaMenus()
     m_turnos = agrega(turno, QStringLiteral("&Turnos y horarios"), &VentanaPrincipal::turnos);
     agrega(turno, QStringLiteral("&Rol del mes"), &VentanaPrincipal::rolDelMes)
         ->setObjectName(QStringLiteral("actRolMes"));
+
+    agregaMenusDeDatos(this, m_sesion.conexion());
 
     QMenu *ayuda = menuBar()->addMenu(QStringLiteral("Ay&uda"));
     agrega(ayuda, QStringLiteral("&Acerca de"), &VentanaPrincipal::acercaDe);

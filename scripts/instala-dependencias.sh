@@ -10,6 +10,7 @@ PAQUETES=(
     mariadb-server mariadb-client
     libsqlite3-dev libbenchmark-dev
     libzint-dev
+    libcsv-dev
     clang libfuzzer-14-dev
 )
 

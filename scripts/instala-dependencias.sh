@@ -11,6 +11,8 @@ PAQUETES=(
     libsqlite3-dev libbenchmark-dev
     libzint-dev
     clang libfuzzer-14-dev
+    # Qt's own Spanish, and lrelease for the few texts it lacks.
+    qt6-translations-l10n qt6-l10n-tools
 )
 
 faltan=()

@@ -8,6 +8,7 @@
 #include "runtime/Text.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QLibrary>
@@ -85,7 +86,17 @@ QString firmas(const QList<QMetaMethod> &metodos)
 
 QString rutaPlugin()
 {
-    return QCoreApplication::applicationDirPath() + QStringLiteral("/ZuviProduccion.so");
+    // In the build tree the plugin lies beside the executable; installed, in
+    // the private library folder at the same place relative to it, so an
+    // unpacked tree runs wherever it is.
+    const QString carpeta = QCoreApplication::applicationDirPath();
+    const QString junto = carpeta + QStringLiteral("/ZuviProduccion.so");
+#ifdef ZUVI_PLUGIN_RELATIVO
+    if (!QFileInfo::exists(junto))
+        return QDir::cleanPath(carpeta +
+                               QStringLiteral("/" ZUVI_PLUGIN_RELATIVO "/ZuviProduccion.so"));
+#endif
+    return junto;
 }
 
 void registraComponente()

@@ -18,7 +18,8 @@ class Ambiente;
 
 namespace zuvi::app {
 
-// The plugin library next to the executable.
+// The plugin library: next to the executable, or installed in the private
+// library folder found from the executable's.
 QString rutaPlugin();
 
 // Loads the plugin and calls its ZuviRegistraServidor / ZuviDesregistraServidor

@@ -80,6 +80,13 @@ LineaComandos LineaComandos::lee(const QStringList &argumentosPrograma)
         if (nombre == QLatin1String("--help") || nombre == QLatin1String("-h")) {
             sinValor();
             lc.ayuda = true;
+        } else if (nombre == QLatin1String("--version")) {
+            sinValor();
+            lc.version = true;
+        } else if (nombre == QLatin1String("--idioma")) {
+            lc.idioma = valorDe();
+            if (lc.idioma.trimmed().isEmpty())
+                throw Error(QStringLiteral("La opción --idioma necesita un idioma, como es_MX."));
         } else if (nombre == QLatin1String("--base")) {
             lc.opciones.base = valorDe();
             if (lc.opciones.base.trimmed().isEmpty())
@@ -202,6 +209,9 @@ QString textoAyuda()
         "  --estacion ESTACION estación de trabajo (por omisión 1)\n"
         "  --traza-sql ARCHIVO escribe en ARCHIVO cada sentencia SQL ejecutada\n"
         "  --si                responde que sí a todas las preguntas\n"
+        "  --idioma IDIOMA     variante del español de fechas, números y diálogos, como\n"
+        "                      es_ES (por omisión ZUVI_IDIOMA o, sin ella, es_MX)\n"
+        "  --version           muestra la versión\n"
         "  -h, --help          muestra esta ayuda\n"
         "\n"
         "Ejemplos:\n"

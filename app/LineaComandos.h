@@ -16,6 +16,8 @@ struct LineaComandos
     bool baseDada = false; // --base was given (otherwise the default file)
     bool demo = false;     // --demo (crea-base)
     bool ayuda = false;    // --help / -h
+    bool version = false;  // --version
+    QString idioma;        // --idioma (a Spanish locale; empty: ZUVI_IDIOMA or es_MX)
     QString turno;         // --turno (rol)
     bool simula = false;   // --simula (importa)
     bool csv = false;      // --csv (materiales, existencias, movimientos)

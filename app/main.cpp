@@ -1,4 +1,5 @@
 #include "app/Comandos.h"
+#include "app/Idioma.h"
 #include "app/LineaComandos.h"
 #include "app/VentanaPrincipal.h"
 #include "host/base/Rutas.h"
@@ -34,7 +35,8 @@ bool hayPantalla()
 }
 
 // The command line must run without a display; windows then go offscreen.
-std::unique_ptr<QCoreApplication> creaAplicacion(int &argc, char **argv, bool ventanas)
+std::unique_ptr<QCoreApplication> creaAplicacion(int &argc, char **argv, bool ventanas,
+                                                 const QLocale &idioma)
 {
     std::unique_ptr<QCoreApplication> app;
     if (ventanas) {
@@ -45,7 +47,8 @@ std::unique_ptr<QCoreApplication> creaAplicacion(int &argc, char **argv, bool ve
         app = std::make_unique<QCoreApplication>(argc, argv);
     }
     QCoreApplication::setApplicationName(QStringLiteral("zuvi-produccion"));
-    QCoreApplication::setApplicationVersion(QStringLiteral("1.0"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(ZUVI_VERSION));
+    zuvi::app::instalaIdioma(idioma);
     return app;
 }
 
@@ -60,14 +63,20 @@ int main(int argc, char **argv)
         argumentos << zuvi::anfitrion::textoDeBytes(argv[i]); // a path's bytes kept
 
     LineaComandos lc;
+    QLocale idioma;
     try {
         lc = LineaComandos::lee(argumentos);
+        idioma = eligeIdioma(lc.idioma);
     } catch (...) {
         avisa(zuvi::describeCurrentException());
         return MalUso;
     }
     if (lc.ayuda) {
         std::fputs(qUtf8Printable(textoAyuda()), stdout);
+        return Exito;
+    }
+    if (lc.version) {
+        std::fputs("zuvi-produccion " ZUVI_VERSION "\n", stdout);
         return Exito;
     }
 
@@ -77,7 +86,7 @@ int main(int argc, char **argv)
                                  "está definido). Use una orden; vea --help."));
             return Fallo;
         }
-        auto app = creaAplicacion(argc, argv, true);
+        auto app = creaAplicacion(argc, argv, true, idioma);
         return ejecutaVentanaPrincipal(lc);
     }
 
@@ -85,6 +94,6 @@ int main(int argc, char **argv)
     const bool ventanas = lc.orden != QLatin1String("crea-base") &&
                           lc.orden != QLatin1String("registra") &&
                           lc.orden != QLatin1String("desregistra");
-    auto app = creaAplicacion(argc, argv, ventanas);
+    auto app = creaAplicacion(argc, argv, ventanas, idioma);
     return ejecutaOrden(lc);
 }

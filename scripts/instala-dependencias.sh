@@ -12,6 +12,11 @@ PAQUETES=(
     libzint-dev
     libcsv-dev
     clang libfuzzer-14-dev
+    # Qt's own Spanish, and lrelease for the few texts it lacks.
+    qt6-translations-l10n qt6-l10n-tools
+    # The Debian package: dependencies from the linked libraries (dpkg-dev,
+    # file) and its checks.
+    dpkg-dev file lintian desktop-file-utils appstream
 )
 
 faltan=()

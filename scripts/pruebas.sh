@@ -1,6 +1,7 @@
 #!/usr/bin/env bash
 # Installs what is missing, then: checks the format, builds with warnings as
-# errors and runs every test (SQLite and MariaDB), then builds again with
+# errors and runs every test (SQLite and MariaDB), builds the Debian package
+# and runs the program installed from it (scripts/paquete.sh), then builds again with
 # AddressSanitizer and UndefinedBehaviorSanitizer in build-san/ and runs the
 # whole suite once more there. When clang is installed, the fuzz targets are
 # built in build-fuzz/ and each runs for 30 s from its seeds in fuzz/semillas.
@@ -60,6 +61,7 @@ paso "formato" bash "$raiz/scripts/formato.sh"
 paso "compilación (advertencias como errores)" \
     env ZUVI_BUILD_DIR="$build" bash "$raiz/scripts/compila.sh" -DZUVI_WERROR=ON
 paso "pruebas" pruebas "$build" "$@"
+paso "paquete" bash "$raiz/scripts/paquete.sh" "$build"
 if command -v clang++ >/dev/null 2>&1; then
     paso "fuzzing" fuzz
 fi

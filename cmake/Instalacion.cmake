@@ -13,7 +13,8 @@ endif()
 file(RELATIVE_PATH zuvi_relativo ${CMAKE_INSTALL_PREFIX}/${CMAKE_INSTALL_BINDIR}
      ${CMAKE_INSTALL_PREFIX}/${ZUVI_CARPETA_PRIVADA})
 
-set(zuvi_bibliotecas zuvi_runtime zuvi_contrato zuvi_host zuvi_produccion ZuviProduccion)
+# The host and the shell are static, inside the executable.
+set(zuvi_bibliotecas zuvi_runtime zuvi_contrato zuvi_produccion ZuviProduccion)
 set_target_properties(${zuvi_bibliotecas} PROPERTIES INSTALL_RPATH "$ORIGIN")
 set_target_properties(zuvi-produccion PROPERTIES INSTALL_RPATH "$ORIGIN/${zuvi_relativo}")
 target_compile_definitions(zuvi_app PRIVATE ZUVI_PLUGIN_RELATIVO="${zuvi_relativo}")

@@ -11,10 +11,10 @@ namespace {
 const QStringList &ordenesConocidas()
 {
     static const QStringList o = {
-        QStringLiteral("crea-base"),   QStringLiteral("registra"), QStringLiteral("desregistra"),
-        QStringLiteral("invoca"),      QStringLiteral("entrega"),  QStringLiteral("ensamble"),
-        QStringLiteral("desensamble"), QStringLiteral("cancela"),  QStringLiteral("rol"),
-        QStringLiteral("importa"),     QStringLiteral("exporta"),  QStringLiteral("existencias"),
+        QStringLiteral("crea-base"),   QStringLiteral("registra"),  QStringLiteral("desregistra"),
+        QStringLiteral("invoca"),      QStringLiteral("entrega"),   QStringLiteral("ensamble"),
+        QStringLiteral("desensamble"), QStringLiteral("cancela"),   QStringLiteral("rol"),
+        QStringLiteral("importa"),     QStringLiteral("exporta"),   QStringLiteral("existencias"),
         QStringLiteral("movimientos"), QStringLiteral("materiales")};
     return o;
 }

@@ -8,8 +8,8 @@
 // Usage: bench_editor [runs=50] [folder for the database file]
 
 #include "bench/Comun.h"
-#include "core/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "orders/frmOp.h"

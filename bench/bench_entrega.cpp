@@ -20,8 +20,8 @@
 //   --toggle-collect='*entregaConComponente*' or --toggle-collect='*Bare::entrega*'
 
 #include "bench/Silencio.h"
-#include "core/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/Registro.h"

@@ -12,8 +12,8 @@
 // Usage: bench_teclado [runs=9] [folder for the database file]
 
 #include "bench/Comun.h"
-#include "core/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "orders/frmOp.h"

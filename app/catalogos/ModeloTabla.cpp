@@ -1,7 +1,7 @@
 #include "app/catalogos/ModeloTabla.h"
 
-#include "host/sql/Sql.h"
 #include "host/datos/Reglas.h"
+#include "host/sql/Sql.h"
 
 #include <QLocale>
 #include <QSqlRecord>

@@ -2,11 +2,11 @@
 
 #include "app/catalogos/Listados.h"
 #include "app/catalogos/ModeloTabla.h"
+#include "host/datos/Reglas.h"
+#include "host/interaccion/Interaccion.h"
 #include "host/servicios/BuscaCatalogoAnfitrion.h"
 #include "host/sql/CausaError.h"
-#include "host/interaccion/Interaccion.h"
 #include "host/sql/Sql.h"
-#include "host/datos/Reglas.h"
 #include "runtime/Error.h"
 
 #include <QApplication>

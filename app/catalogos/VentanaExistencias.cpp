@@ -1,8 +1,8 @@
 #include "app/catalogos/Listados.h"
 #include "app/catalogos/VentanasInventario.h"
-#include "host/sql/Sql.h"
 #include "host/datos/Inventario.h"
 #include "host/datos/Reglas.h"
+#include "host/sql/Sql.h"
 
 #include <QComboBox>
 #include <QHBoxLayout>

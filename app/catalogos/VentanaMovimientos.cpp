@@ -1,8 +1,8 @@
 #include "app/catalogos/Listados.h"
 #include "app/catalogos/VentanasInventario.h"
-#include "host/servicios/BuscaCatalogoAnfitrion.h"
 #include "host/datos/Inventario.h"
 #include "host/datos/Tablas.h"
+#include "host/servicios/BuscaCatalogoAnfitrion.h"
 #include "runtime/Error.h"
 
 #include <QCheckBox>

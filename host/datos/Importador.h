@@ -3,9 +3,9 @@
 // The import's inner workings, shared by its reading and checking half
 // (Importacion.cpp) and its writing half (Escritura.cpp).
 
-#include "host/sql/Sql.h"
 #include "host/datos/Csv.h"
 #include "host/datos/Importacion.h"
+#include "host/sql/Sql.h"
 
 #include <QHash>
 #include <QSet>

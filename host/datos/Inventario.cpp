@@ -1,8 +1,8 @@
 #include "host/datos/Inventario.h"
 
+#include "host/datos/Csv.h"
 #include "host/servicios/Catalogos.h"
 #include "host/sql/Sql.h"
-#include "host/datos/Csv.h"
 
 namespace zuvi::anfitrion::datos {
 

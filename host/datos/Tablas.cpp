@@ -1,7 +1,7 @@
 #include "host/datos/Tablas.h"
 
-#include "host/sql/Sql.h"
 #include "host/datos/Csv.h"
+#include "host/sql/Sql.h"
 
 namespace zuvi::anfitrion::datos {
 

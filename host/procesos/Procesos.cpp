@@ -22,7 +22,8 @@ struct Procesos
     Procesos()
     {
         for (const QList<ProcesoAnfitrion> &lista :
-             {procesosOrdenes(), procesosReglasOrden(), procesosEtiquetas(), procesosFracciones(), procesosTurnos()}) {
+             {procesosOrdenes(), procesosReglasOrden(), procesosEtiquetas(), procesosFracciones(),
+              procesosTurnos()}) {
             for (const ProcesoAnfitrion &p : lista)
                 manejadores.insert(p.clave, p.manejador);
         }

@@ -10,9 +10,9 @@
 // refused (the veto stays up) and the person is told why. A station whose shop
 // lists materials on its orders allows them (estaciones.lineassinkit).
 
+#include "host/interaccion/Interaccion.h"
 #include "host/procesos/Ordenes.h"
 #include "host/servicios/Existencias.h"
-#include "host/interaccion/Interaccion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Text.h"
 

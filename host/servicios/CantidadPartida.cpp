@@ -1,7 +1,7 @@
 #include "host/servicios/CantidadPartida.h"
 
-#include "host/servicios/Comprobaciones.h"
 #include "host/interaccion/Interaccion.h"
+#include "host/servicios/Comprobaciones.h"
 #include "host/sql/Sql.h"
 #include "runtime/Text.h"
 

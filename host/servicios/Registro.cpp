@@ -13,8 +13,7 @@ namespace zuvi::anfitrion {
 
 namespace {
 
-template<typename Clase>
-QObject *crea()
+template <typename Clase> QObject *crea()
 {
     return new Clase;
 }

@@ -1,8 +1,8 @@
 // The batch operations over a real database: the movements and stock written, the order
 // lines delivered, a connection lost in the middle of a delivery.
 
-#include "core/Modulo.h"
 #include "component/Produccion.h"
+#include "core/Modulo.h"
 #include "host/servicios/AmbienteAnfitrion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"

@@ -2,10 +2,10 @@
 // import with every refusal named, the export that reads back, and the
 // stock card's running balance. Runs on SQLite and again on MariaDB.
 
-#include "host/servicios/DocumentoInventarioAnfitrion.h"
 #include "host/datos/Importacion.h"
 #include "host/datos/Inventario.h"
 #include "host/datos/Reglas.h"
+#include "host/servicios/DocumentoInventarioAnfitrion.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/Corrida.h"
 

@@ -5,9 +5,9 @@
 // the ones in vetados), and helpers that read back the rows written and
 // drive the window with real key events.
 
-#include "core/Modulo.h"
 #include "component/Produccion.h"
 #include "controls/Rejilla.h"
+#include "core/Modulo.h"
 #include "host/procesos/Procesos.h"
 #include "host/reportes/Reportes.h"
 #include "host/servicios/AmbienteAnfitrion.h"

@@ -71,8 +71,7 @@ private Q_SLOTS:
         auto f = abre(1);
         QVERIFY(f);
         f->txtFields(4)->setFocus();
-        teclea(f, articulo);
-        teclea(f, "5");
+        teclea(f, articulo + "⏎5⏎");
         QCOMPARE(partidas(1).size(), lineas);
         const QStringList dicho = ui->textosMensajes();
         QCOMPARE(dicho, lineas == 2 ? QStringList{articulo + " no es un kit: una orden de "

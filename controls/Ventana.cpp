@@ -283,7 +283,14 @@ bool Ventana::eventoDeControl(QObject *objeto, QEvent *evento)
     case QEvent::FocusIn:
     case QEvent::FocusOut: {
         const Qt::FocusReason razon = static_cast<QFocusEvent *>(evento)->reason();
-        if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
+        // Switching windows is not entering a control, except coming back
+        // from a message or dialog of this window: the control the focus
+        // returns to is entered again.
+        const bool vuelve = razon == Qt::ActiveWindowFocusReason &&
+                            evento->type() == QEvent::FocusIn && m_trasDialogo;
+        if (vuelve)
+            m_trasDialogo = false;
+        else if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
             return false;
         if (evento->type() == QEvent::FocusIn)
             lanza(enlace, "_GotFocus", enlace.eventos.GotFocus);
@@ -315,6 +322,12 @@ bool Ventana::eventoDeControl(QObject *objeto, QEvent *evento)
 bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
 {
     switch (evento->type()) {
+    case QEvent::WindowDeactivate: {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (objeto == this && modal && modal != this)
+            m_trasDialogo = true;
+        return false;
+    }
     case QEvent::FocusIn:
     case QEvent::FocusOut:
     case QEvent::MouseButtonDblClick:

@@ -155,6 +155,8 @@ private:
     bool m_descargada = false;
     bool m_pintando = false;
     bool m_reenviando = false;
+    // The window lost the focus to a modal message or dialog.
+    bool m_trasDialogo = false;
 };
 
 } // namespace zuvi

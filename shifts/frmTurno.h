@@ -12,6 +12,7 @@
 #include "core/Exporta.h"
 
 #include <QPointer>
+#include <QStringList>
 
 class QAbstractButton;
 class QComboBox;
@@ -93,6 +94,11 @@ private:
     void guardaTurno(ConstructorSql *sql);
     void guardaMiembros(ConstructorSql *sql, zuvi::Ambiente *ambiente);
     void PonFoco(QWidget *objControl);
+    // What the fields and the member list hold, to tell whether "&Cancelar"
+    // would lose changes; true when there are none or the user lets them go.
+    QStringList estado() const;
+    bool descartaCambios();
+    QStringList m_alCargar;
     // Shows a message of the catalogue as information.
     void avisa(qint32 numero);
     // Moves one item from `de` to `a` after the empty-name test over `a`'s

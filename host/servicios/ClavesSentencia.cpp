@@ -60,9 +60,10 @@ void compruebaClaveEnSentencia(const QString &sentencia)
     const QString clave = sentencia.mid(desde, cierre - desde);
     if (!clave.contains(QLatin1Char('\'')) && !clave.contains(QLatin1Char('\\')))
         return;
-    throw Rechazo(QStringLiteral("\"%1\" no es una clave válida de %2: una clave no puede llevar "
-                                 "comillas ni barras inversas.")
-                      .arg(clave.trimmed(), dicho(kClaves, ultima.captured(1), ultima.captured(1))));
+    throw Rechazo(
+        QStringLiteral("\"%1\" no es una clave válida de %2: una clave no puede llevar "
+                       "comillas ni barras inversas.")
+            .arg(clave.trimmed(), dicho(kClaves, ultima.captured(1), ultima.captured(1))));
 }
 
 void compruebaClaveNueva(const QSqlDatabase &db, const QString &tabla, const QStringList &columnas,

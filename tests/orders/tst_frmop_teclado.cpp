@@ -8,7 +8,9 @@
 #include "controls/MultiCombo.h"
 #include "runtime/ClassRegistry.h"
 
+#include <QCalendarWidget>
 #include <QClipboard>
+#include <QDateEdit>
 #include <QMimeData>
 #include <QTextEdit>
 
@@ -140,6 +142,9 @@ private Q_SLOTS:
         fila("4 Enter, 5 apagado", 4, Qt::Key_Return, {5}, 4);
         fila("11 Enter: nada", 11, Qt::Key_Return, no, 11);
         fila("14 Enter", 14, Qt::Key_Return, no, 4);
+        fila("14 Mayús+Enter, como Enter", 14, (Qt::ShiftModifier | Qt::Key_Return).toCombined(),
+             no, 4);
+        fila("16 Mayús+Tab: atrás", 16, (Qt::ShiftModifier | Qt::Key_Tab).toCombined(), no, 15);
         fila("16 Tab", 16, Qt::Key_Tab, no, 4);
         fila("15 Enter", 15, Qt::Key_Return, no, 16);
         fila("15 Enter, 16 apagado", 15, Qt::Key_Return, {16}, 4);
@@ -179,7 +184,8 @@ private Q_SLOTS:
         const int lineas = cuenta("oppart");
         for (int i : apagados)
             f->txtFields(i)->setEnabled(false);
-        pulsa(f, campo, Qt::Key(tecla));
+        const QKeyCombination combinacion = QKeyCombination::fromCombined(tecla);
+        pulsa(f, campo, combinacion.key(), combinacion.keyboardModifiers());
         QCOMPARE(enfocado(f), foco);
         QCOMPARE(consultas.join('\n'), consulta);
         QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
@@ -355,8 +361,8 @@ private Q_SLOTS:
     }
 
     // F3 toggles the barcode reader and puts the focus on the article field; with it a code
-    // and Enter add a line of one. F9 adds the typed line; F6 runs the code generation only
-    // where its button is on (view-only orders).
+    // and Enter add a line of one. F9 adds the typed line; F6 runs the code generation, and
+    // F3 toggles the reader, in every mode, whatever their controls' state.
     void teclasDeLaVentana()
     {
         auto f = abre();
@@ -379,15 +385,34 @@ private Q_SLOTS:
         QCOMPARE(f->fg2->TextMatrix(3, 0) + ' ' + f->fg2->TextMatrix(3, 1),
                  QStringLiteral("TAB-01 4"));
         pulsa(f, 14, Qt::Key_F6);
-        QVERIFY(!procesos.contains("OP007 -1"));
+        QVERIFY(procesos.contains("OP007 -1"));
         f->descarga();
+        procesos.clear();
         p->ConsultaOp(1);
         f = editor();
         QVERIFY(f);
         QTest::keyClick(f->windowHandle(), Qt::Key_F6);
         QTest::keyClick(f->windowHandle(), Qt::Key_F3);
-        QVERIFY(procesos.contains("OP007 -1") && !f->Check4->isChecked());
+        QVERIFY(procesos.contains("OP007 -1") && f->Check4->isChecked());
         QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
+    }
+
+    // Alt+Down and F4 drop the date picker's calendar instead of stepping the year.
+    void calendarioConAltAbajoYF4()
+    {
+        auto f = abre();
+        QVERIFY(f);
+        const QDate antes = f->DTPicker2->date();
+        for (const QKeyCombination tecla :
+             {Qt::AltModifier | Qt::Key_Down, QKeyCombination(Qt::Key_F4)}) {
+            f->DTPicker2->setFocus();
+            QTest::keyClick(f->windowHandle(), tecla.key(), tecla.keyboardModifiers());
+            QWidget *calendario = QApplication::activePopupWidget();
+            QVERIFY(calendario && calendario->findChild<QCalendarWidget *>());
+            calendario->close();
+            QCOMPARE(f->DTPicker2->date(), antes);
+        }
+        delete f.data(); // with its calendar, which is a window of its own
     }
 
     // Down under field 4 (after the kit lookup) drops the article list, narrowed by what the

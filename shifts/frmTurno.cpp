@@ -5,11 +5,10 @@
 #include "shifts/SentenciasTurnos.h"
 #include "ui_frmTurno.h"
 
-#include <QApplication>
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QProgressBar>
-#include <QShortcut>
 #include <QStyle>
 #include <QToolButton>
 
@@ -47,22 +46,23 @@ frmTurno::frmTurno(QWidget *parent)
         cmdButton(i)->setIcon(style()->standardIcon(iconos[i - Boton::AgregaTodos]));
     for (int i : cmdButton.indices())
         connect(cmdButton(i), &QAbstractButton::clicked, this, [this, i] { cmdButton_Click(i); });
-    // Escape is "&Cancelar", except while a drop-down list of the window is
-    // open: the shortcut also fires from the list, and there it only closes
-    // the list.
-    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-    connect(escape, &QShortcut::activated, this, [this] {
-        if (QWidget *lista = QApplication::activePopupWidget()) {
-            lista->close();
-            return;
-        }
-        cmdButton_Click(Boton::Cancelar);
-    });
 }
 
 frmTurno::~frmTurno()
 {
     delete ui;
+}
+
+// Escape is "&Cancelar". It arrives here only when no control took it: an
+// open drop-down list is a window of its own, and closes with it alone.
+void frmTurno::keyPressEvent(QKeyEvent *evento)
+{
+    if (evento->key() == Qt::Key_Escape && evento->modifiers() == Qt::NoModifier) {
+        evento->accept();
+        cmdButton_Click(Boton::Cancelar);
+        return;
+    }
+    Ventana::keyPressEvent(evento);
 }
 
 QString frmTurno::texto(int indice) const

@@ -16,6 +16,7 @@
 
 class QAbstractButton;
 class QComboBox;
+class QKeyEvent;
 class QLabel;
 class QProgressBar;
 
@@ -82,6 +83,7 @@ public:
 protected:
     void Form_Load() override;
     void Form_Unload(qint16 &Cancel) override;
+    void keyPressEvent(QKeyEvent *evento) override;
 
 private:
     void cmdButton_Click(int Index);

@@ -24,10 +24,10 @@ void CampoFecha::abreCalendario(QDateEdit *fecha)
     opcion.initFrom(fecha);
     opcion.editable = true;
     opcion.subControls = QStyle::SC_All;
-    const QPoint flecha = fecha->style()
-                              ->subControlRect(QStyle::CC_ComboBox, &opcion,
-                                               QStyle::SC_ComboBoxArrow, fecha)
-                              .center();
+    const QPoint flecha =
+        fecha->style()
+            ->subControlRect(QStyle::CC_ComboBox, &opcion, QStyle::SC_ComboBoxArrow, fecha)
+            .center();
     QMouseEvent clic(QEvent::MouseButtonPress, flecha, fecha->mapToGlobal(flecha), Qt::LeftButton,
                      Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(fecha, &clic);

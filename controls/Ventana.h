@@ -139,6 +139,9 @@ private:
     };
 
     void vigila(QWidget *control);
+    // A window its opener did not place is centred on its screen and made
+    // no larger than the room there, title bar included.
+    void acomodaEnPantalla();
     bool esDestinoDeTeclas(QWidget *control) const;
     bool teclaAbajo(QWidget *control, QKeyEvent *evento);
     bool teclaArriba(QWidget *control, QKeyEvent *evento);

@@ -12,6 +12,7 @@
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSignalSpy>
@@ -234,6 +235,15 @@ private Q_SLOTS:
         v->activateWindow(); // as the window manager gives it back
         QVERIFY(QTest::qWaitForWindowActive(v));
         QTRY_COMPARE(v->registro, QStringList{"GotFocus 3"});
+    }
+
+    // A window larger than its screen, and placed by nobody, is shrunk and centred there.
+    void cabeEnSuPantalla()
+    {
+        auto *v = new VentanaPrueba(false);
+        v->resize(5000, 5000);
+        v->muestra();
+        QVERIFY(v->screen()->availableGeometry().contains(v->geometry()));
     }
 
     // A paste is typed character by character through KeyPress: refused and untypeable

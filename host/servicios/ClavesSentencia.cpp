@@ -1,7 +1,6 @@
 #include "host/servicios/ClavesSentencia.h"
 
 #include "host/servicios/Comprobaciones.h"
-#include "host/sql/Sql.h"
 
 #include <QRegularExpression>
 #include <QSqlIndex>
@@ -85,10 +84,14 @@ void compruebaClaveNueva(const QSqlDatabase &db, const QString &tabla, const QSt
         clave << valores.at(j);
         textos << valores.at(j).toString().trimmed();
     }
-    QSqlQuery q = ejecutaConValores(db,
-                                    QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2")
-                                        .arg(tabla, condiciones.join(QStringLiteral(" AND "))),
-                                    clave);
+    // Run aside from the statement trace, which records the component's own.
+    QSqlQuery q(db);
+    q.prepare(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2")
+                  .arg(tabla, condiciones.join(QStringLiteral(" AND "))));
+    for (const QVariant &v : std::as_const(clave))
+        q.addBindValue(v);
+    if (!q.exec())
+        return; // the INSERT itself will say what is wrong
     if (q.next() && q.value(0).toLongLong() > 0)
         throw Rechazo(QStringLiteral("Ya existe %1 con la clave \"%2\".")
                           .arg(dicho(kRegistros, tabla, QStringLiteral("un registro")),

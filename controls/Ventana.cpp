@@ -17,7 +17,10 @@
 #include <QLineEdit>
 #include <QMenu>
 #include <QPaintEvent>
+#include <QScreen>
 #include <QTextEdit>
+
+#include <algorithm>
 
 namespace zuvi {
 
@@ -76,6 +79,7 @@ void Ventana::muestra(bool modal)
     if (m_descargada)
         return; // Form_Load unloaded the window itself
     vigila(this);
+    acomodaEnPantalla();
     if (!modal) {
         show();
         return;
@@ -96,6 +100,19 @@ bool Ventana::descarga()
         return true;
     close();
     return m_descargada;
+}
+
+void Ventana::acomodaEnPantalla()
+{
+    QScreen *pantalla = screen();
+    if (!pantalla || testAttribute(Qt::WA_Moved))
+        return; // its opener placed it
+    // Room for the title bar and borders the window manager adds.
+    constexpr int kTitulo = 32, kBorde = 8;
+    const QRect libre = pantalla->availableGeometry();
+    resize(size().boundedTo(QSize(libre.width() - 2 * kBorde, libre.height() - kTitulo - kBorde)));
+    move(libre.x() + std::max(0, (libre.width() - width()) / 2),
+         libre.y() + std::max(0, (libre.height() - height() - kTitulo) / 2));
 }
 
 qint16 Ventana::WindowState() const
@@ -283,7 +300,14 @@ bool Ventana::eventoDeControl(QObject *objeto, QEvent *evento)
     case QEvent::FocusIn:
     case QEvent::FocusOut: {
         const Qt::FocusReason razon = static_cast<QFocusEvent *>(evento)->reason();
-        if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
+        // Switching windows is not entering a control, except coming back
+        // from a message or dialog of this window: the control the focus
+        // returns to is entered again.
+        const bool vuelve = razon == Qt::ActiveWindowFocusReason &&
+                            evento->type() == QEvent::FocusIn && m_trasDialogo;
+        if (vuelve)
+            m_trasDialogo = false;
+        else if (razon == Qt::ActiveWindowFocusReason || razon == Qt::PopupFocusReason)
             return false;
         if (evento->type() == QEvent::FocusIn)
             lanza(enlace, "_GotFocus", enlace.eventos.GotFocus);
@@ -315,6 +339,12 @@ bool Ventana::eventoDeControl(QObject *objeto, QEvent *evento)
 bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
 {
     switch (evento->type()) {
+    case QEvent::WindowDeactivate: {
+        QWidget *modal = QApplication::activeModalWidget();
+        if (objeto == this && modal && modal != this)
+            m_trasDialogo = true;
+        return false;
+    }
     case QEvent::FocusIn:
     case QEvent::FocusOut:
     case QEvent::MouseButtonDblClick:

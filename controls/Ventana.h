@@ -139,6 +139,9 @@ private:
     };
 
     void vigila(QWidget *control);
+    // A window its opener did not place is centred on its screen and made
+    // no larger than the room there, title bar included.
+    void acomodaEnPantalla();
     bool esDestinoDeTeclas(QWidget *control) const;
     bool teclaAbajo(QWidget *control, QKeyEvent *evento);
     bool teclaArriba(QWidget *control, QKeyEvent *evento);
@@ -155,6 +158,8 @@ private:
     bool m_descargada = false;
     bool m_pintando = false;
     bool m_reenviando = false;
+    // The window lost the focus to a modal message or dialog.
+    bool m_trasDialogo = false;
 };
 
 } // namespace zuvi

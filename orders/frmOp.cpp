@@ -1,6 +1,7 @@
 #include "orders/frmOp.h"
 #include "ui_frmOp.h"
 
+#include "controls/CampoFecha.h"
 #include "controls/MultiCombo.h"
 #include "controls/Rejilla.h"
 #include "controls/Teclas.h"
@@ -63,6 +64,11 @@ frmOp::frmOp(QWidget *parent)
 
     conectaCampos();
     conectaRejilla();
+    for (QDateEdit *fecha : {DTPicker1, DTPicker2})
+        new CampoFecha(fecha, [this, fecha](const QString &texto) {
+            atrapa(fecha->objectName() + QStringLiteral("_Validate"),
+                   [&] { modulo::accesoDatos()->Mensaje(texto, 64, ambiente()); });
+        });
     for (int i : Label10.indices())
         Label10(i)->installEventFilter(this);
 
@@ -163,7 +169,8 @@ void frmOp::cargaOrdenExistente(AccesoDatos *datos, zuvi::Ambiente *amb)
     if (Modo == QLatin1String("MODIFICACION")) {
         m_sql->Limpia();
         m_sql->Tipo(QStringLiteral("UPDATE"));
-        m_sql->AgregaCampo(QStringLiteral("Op"), QStringLiteral("ocupado"), qint16(1));
+        m_sql->AgregaCampo(QStringLiteral("Op"), QStringLiteral("ocupado"),
+                           QVariant::fromValue(qint16(1)));
         m_sql->Condicion(sentenciasOp::condicionOpMayuscula(Op));
         m_sql->Genera(QStringLiteral("Op"));
         m_sql->Ejecuta();
@@ -275,8 +282,10 @@ void frmOp::Form_QueryUnload(qint16 &Cancel, qint16 UnloadMode)
 
 void frmOp::Timer1_Timer()
 {
-    Timer1.stop(); // one unload per close request
-    descarga();
+    // The timer stays armed while the unload is refused: the next tick
+    // tries again, and the window goes once the refusal is cleared.
+    if (descarga())
+        Timer1.stop();
 }
 
 void frmOp::Form_Unload(qint16 &Cancel)

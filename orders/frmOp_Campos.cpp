@@ -184,8 +184,10 @@ void frmOp::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
     }
     if (KeyCode != teclas::Tabulador && KeyCode != teclas::Enter)
         return;
-    if (Index < 0 || Index > Campo::Ultimo || Shift != 0)
-        return; // Shift+Tab goes back as the toolkit moves it
+    if (Index < 0 || Index > Campo::Ultimo)
+        return;
+    if (KeyCode == teclas::Tabulador && Shift != 0)
+        return; // Shift+Tab goes back as the toolkit moves it; Shift+Enter is Enter
     avanzaConEnter(Index, KeyCode);
 }
 

@@ -47,11 +47,11 @@ void frmOp::CreaOp()
         if (!numeraSiEsAlta(datos, amb))
             m_sql->Tipo(QStringLiteral("UPDATE"));
         if (Modo == QLatin1String("MODIFICACION") || Modo == QLatin1String("ALTA")) {
-            m_sql->AgregaCampo(kOp, QStringLiteral("ocupado"), qint16(1));
+            m_sql->AgregaCampo(kOp, QStringLiteral("ocupado"), QVariant::fromValue(qint16(1)));
             m_sql->AgregaCampo(kOp, QStringLiteral("f_emision"), DTPicker1->date());
             m_sql->AgregaCampo(kOp, QStringLiteral("importe"),
                                datos->ValorNumerico(txtFields(Campo::Importe)->text()));
-            m_sql->AgregaCampo(kOp, QStringLiteral("costo"), qint16(0));
+            m_sql->AgregaCampo(kOp, QStringLiteral("costo"), QVariant::fromValue(qint16(0)));
             m_sql->AgregaCampo(kOp, QStringLiteral("almacen"),
                                datos->ValorTexto(txtFields(Campo::Almacen)->text()));
             m_sql->AgregaCampo(kOp, QStringLiteral("estado"), QStringLiteral("PE"));
@@ -83,7 +83,7 @@ void frmOp::SalvaOp()
             m_sql->Tipo(QStringLiteral("UPDATE"));
             m_sql->Condicion(sentenciasOp::condicionOpMayuscula(Op));
         }
-        m_sql->AgregaCampo(kOp, QStringLiteral("ocupado"), qint16(0));
+        m_sql->AgregaCampo(kOp, QStringLiteral("ocupado"), QVariant::fromValue(qint16(0)));
         m_sql->AgregaCampo(kOp, QStringLiteral("f_emision"), DTPicker1->date());
         m_sql->AgregaCampo(kOp, QStringLiteral("fechaEntrega"), DTPicker2->date());
         m_sql->AgregaCampo(kOp, QStringLiteral("importe"),
@@ -94,7 +94,8 @@ void frmOp::SalvaOp()
         if (!Check3->isChecked()) {
             m_sql->AgregaCampo(kOp, QStringLiteral("estado"), QStringLiteral("CO"));
             if (Check1->isChecked())
-                m_sql->AgregaCampo(kOp, QStringLiteral("automatico"), qint16(1));
+                m_sql->AgregaCampo(kOp, QStringLiteral("automatico"),
+                                   QVariant::fromValue(qint16(1)));
         } else {
             m_sql->AgregaCampo(kOp, QStringLiteral("estado"), QStringLiteral("PE"));
         }

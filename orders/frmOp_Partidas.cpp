@@ -98,7 +98,7 @@ void frmOp::NuevaPartida()
         m_sql->AgregaCampo(oppart, QStringLiteral("cantidad"), cantidad);
         m_sql->AgregaCampo(oppart, QStringLiteral("precio"), precio);
         m_sql->AgregaCampo(oppart, QStringLiteral("observ"), txtFields(Campo::Descripcion)->text());
-        m_sql->AgregaCampo(oppart, QStringLiteral("partida"), qint16(0));
+        m_sql->AgregaCampo(oppart, QStringLiteral("partida"), QVariant::fromValue(qint16(0)));
         m_sql->AgregaCampo(oppart, QStringLiteral("usuario"), amb->UsuarioActual());
         m_sql->AgregaCampo(oppart, QStringLiteral("usufecha"), QDate::currentDate());
         m_sql->AgregaCampo(oppart, QStringLiteral("usuhora"),

@@ -179,8 +179,6 @@ void frmOp::Form_KeyDown(qint16 &KeyCode, qint16 Shift)
     switch (KeyCode) {
     case teclas::F3:
         KeyCode = 0;
-        if (!Check4->isEnabled())
-            return;
         if (Check4->isChecked()) {
             Check4->setChecked(false);
         } else {
@@ -188,15 +186,13 @@ void frmOp::Form_KeyDown(qint16 &KeyCode, qint16 Shift)
             enfoca(Campo::Articulo);
         }
         break;
-    case teclas::F6:
+    case teclas::F6: // "&Generar códigos  (F6)", in every mode
         KeyCode = 0;
-        if (Command1->isEnabled())
-            Command1_Click();
+        Command1_Click();
         break;
     case teclas::F9:
         KeyCode = 0;
-        if (Command6->isEnabled())
-            LlenaPartida();
+        LlenaPartida();
         break;
     default:
         break;

@@ -6,9 +6,9 @@
 #include "ui_frmTurno.h"
 
 #include <QComboBox>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QProgressBar>
-#include <QShortcut>
 #include <QStyle>
 #include <QToolButton>
 
@@ -46,14 +46,23 @@ frmTurno::frmTurno(QWidget *parent)
         cmdButton(i)->setIcon(style()->standardIcon(iconos[i - Boton::AgregaTodos]));
     for (int i : cmdButton.indices())
         connect(cmdButton(i), &QAbstractButton::clicked, this, [this, i] { cmdButton_Click(i); });
-    // Escape is "&Cancelar".
-    auto *escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
-    connect(escape, &QShortcut::activated, this, [this] { cmdButton_Click(Boton::Cancelar); });
 }
 
 frmTurno::~frmTurno()
 {
     delete ui;
+}
+
+// Escape is "&Cancelar". It arrives here only when no control took it: an
+// open drop-down list is a window of its own, and closes with it alone.
+void frmTurno::keyPressEvent(QKeyEvent *evento)
+{
+    if (evento->key() == Qt::Key_Escape && evento->modifiers() == Qt::NoModifier) {
+        evento->accept();
+        cmdButton_Click(Boton::Cancelar);
+        return;
+    }
+    Ventana::keyPressEvent(evento);
 }
 
 QString frmTurno::texto(int indice) const
@@ -72,6 +81,7 @@ void frmTurno::Form_Load()
         LLenaEmpleadosTurno();
         RemueveEnTurno();
         cmbFields(Campo::Turno)->setFocus(Qt::OtherFocusReason);
+        m_alCargar = estado();
         datos->PreparaVentana(this, Ambiente, QString());
     });
 }
@@ -121,7 +131,8 @@ void frmTurno::cmdButton_Click(int Index)
                 descarga();
             break;
         case Boton::Cancelar:
-            descarga();
+            if (descartaCambios())
+                descarga();
             break;
         case Boton::AgregaTodos:
             AgregaTodosLosUsuarios();
@@ -139,6 +150,30 @@ void frmTurno::cmdButton_Click(int Index)
             break;
         }
     });
+}
+
+QStringList frmTurno::estado() const
+{
+    QStringList valores;
+    for (int i = 0; i < Campo::Cuantos; ++i)
+        valores << texto(i);
+    Lista *miembros = lv(Empleados::DelTurno);
+    for (int i = 1; i <= miembros->cuenta(); ++i)
+        valores << miembros->elemento(i)->text(0);
+    return valores;
+}
+
+bool frmTurno::descartaCambios()
+{
+    if (estado() == m_alCargar)
+        return true;
+    const QString nombre = Trim(texto(Campo::Turno));
+    const QString pregunta =
+        nombre.isEmpty()
+            ? QStringLiteral("El turno nuevo no se ha guardado. ¿Cerrar sin guardarlo?")
+            : QStringLiteral("El turno «%1» tiene cambios sin guardar. ¿Cerrar sin guardarlos?")
+                  .arg(nombre);
+    return fromVBool(modulo::accesoDatos()->Pregunta(pregunta, 2));
 }
 
 void frmTurno::PonFoco(QWidget *objControl)

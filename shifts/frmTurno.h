@@ -12,9 +12,11 @@
 #include "core/Exporta.h"
 
 #include <QPointer>
+#include <QStringList>
 
 class QAbstractButton;
 class QComboBox;
+class QKeyEvent;
 class QLabel;
 class QProgressBar;
 
@@ -81,6 +83,7 @@ public:
 protected:
     void Form_Load() override;
     void Form_Unload(qint16 &Cancel) override;
+    void keyPressEvent(QKeyEvent *evento) override;
 
 private:
     void cmdButton_Click(int Index);
@@ -93,6 +96,11 @@ private:
     void guardaTurno(ConstructorSql *sql);
     void guardaMiembros(ConstructorSql *sql, zuvi::Ambiente *ambiente);
     void PonFoco(QWidget *objControl);
+    // What the fields and the member list hold, to tell whether "&Cancelar"
+    // would lose changes; true when there are none or the user lets them go.
+    QStringList estado() const;
+    bool descartaCambios();
+    QStringList m_alCargar;
     // Shows a message of the catalogue as information.
     void avisa(qint32 numero);
     // Moves one item from `de` to `a` after the empty-name test over `a`'s

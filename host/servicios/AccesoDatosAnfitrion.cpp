@@ -1,5 +1,7 @@
 #include "host/servicios/AccesoDatosAnfitrion.h"
 
+#include "host/servicios/ClavesSentencia.h"
+
 #include "host/base/Folios.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/AmbienteAnfitrion.h"
@@ -53,6 +55,7 @@ bool ubicacionRestringe(const QString &ubicacion, int almacen)
 
 RecordsetPtr AccesoDatosAnfitrion::Consulta(const QString &sql, const QSqlDatabase &conexion, VBool)
 {
+    compruebaClaveEnSentencia(sql);
     return consulta(conexion, sql);
 }
 

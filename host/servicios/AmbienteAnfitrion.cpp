@@ -1,5 +1,7 @@
 #include "host/servicios/AmbienteAnfitrion.h"
 
+#include "host/servicios/ClavesSentencia.h"
+
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
@@ -65,6 +67,7 @@ QString AmbienteAnfitrion::RutaAplicacion() const
 
 QVariant AmbienteAnfitrion::EjecutaSQL(const QString &sql)
 {
+    compruebaClaveEnSentencia(sql);
     return ejecutaAccion(m_conexion, sql).filas;
 }
 

@@ -1,9 +1,7 @@
 #include "host/servicios/ConstructorSqlAnfitrion.h"
 
-#include "host/base/Sesion.h"
-#include "host/procesos/Procesos.h"
 #include "host/servicios/CantidadPartida.h"
-#include "host/servicios/Registro.h"
+#include "host/servicios/ClavesSentencia.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
@@ -139,6 +137,7 @@ QString ConstructorSqlAnfitrion::Genera(const QString &tabla)
     m_valores.clear();
     m_texto.clear();
     exigeNombre(tabla, QStringLiteral("tabla"));
+    m_tabla = tabla;
     if (m_tipo.isEmpty())
         throw Error(QStringLiteral("No se indicó el tipo de sentencia (INSERT o UPDATE) para la "
                                    "tabla %1.")
@@ -199,6 +198,14 @@ void ConstructorSqlAnfitrion::Ejecuta()
             c.columna.compare(QLatin1String("cantidad"), Qt::CaseInsensitive) == 0 &&
             rechazaCantidadPartida(m_conexion, m_tipo, c.valor, m_condicion))
             return;
+    if (m_tipo == QLatin1String("INSERT")) {
+        QStringList columnas;
+        for (const Campo &c : std::as_const(m_campos))
+            columnas << c.columna;
+        compruebaClaveNueva(m_conexion, m_tabla, columnas, m_valores);
+    } else {
+        compruebaClaveEnSentencia(m_sentencia);
+    }
     ejecutaAccion(m_conexion, m_sentencia, m_valores, m_texto);
 }
 

@@ -74,6 +74,7 @@ private:
     QString m_sentencia; // empty when there is nothing to run
     QVariantList m_valores;
     QString m_texto;
+    QString m_tabla; // of the last Genera
 };
 
 } // namespace zuvi::anfitrion

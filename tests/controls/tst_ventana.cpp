@@ -7,14 +7,17 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QCloseEvent>
+#include <QDialog>
 #include <QIntValidator>
 #include <QKeySequence>
 #include <QLineEdit>
 #include <QRegularExpression>
+#include <QScreen>
 #include <QScrollBar>
 #include <QShortcut>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using namespace zuvi;
 
@@ -209,7 +212,8 @@ private Q_SLOTS:
     }
 
     // Change, GotFocus, LostFocus and DblClick reach each member with its index; activating
-    // another window moves no focus in this one's eyes.
+    // another window moves no focus in this one's eyes, but coming back from a message box
+    // of the window enters its field again (a refused scan is then selected).
     void eventosPorMiembro()
     {
         auto v = abre();
@@ -218,9 +222,28 @@ private Q_SLOTS:
         v->campo(0)->setFocus();
         v->campo(0)->setText(QStringLiteral("a"));
         QTest::mouseDClick(v->campo(3), Qt::LeftButton);
-        QVERIFY(abre());
+        auto otra = abre();
+        QVERIFY(otra);
         QCOMPARE(v->registro, (QStringList{"LostFocus 3", "GotFocus 0", "Change 0", "LostFocus 0",
                                            "GotFocus 3", "DblClick 3"}));
+        v->registro.clear();
+        v->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(v));
+        QDialog mensaje(v);
+        QTimer::singleShot(50, &mensaje, &QDialog::accept);
+        mensaje.exec();
+        v->activateWindow(); // as the window manager gives it back
+        QVERIFY(QTest::qWaitForWindowActive(v));
+        QTRY_COMPARE(v->registro, QStringList{"GotFocus 3"});
+    }
+
+    // A window larger than its screen, and placed by nobody, is shrunk and centred there.
+    void cabeEnSuPantalla()
+    {
+        auto *v = new VentanaPrueba(false);
+        v->resize(5000, 5000);
+        v->muestra();
+        QVERIFY(v->screen()->availableGeometry().contains(v->geometry()));
     }
 
     // A paste is typed character by character through KeyPress: refused and untypeable

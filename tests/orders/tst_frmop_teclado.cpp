@@ -8,7 +8,9 @@
 #include "controls/MultiCombo.h"
 #include "runtime/ClassRegistry.h"
 
+#include <QCalendarWidget>
 #include <QClipboard>
+#include <QDateEdit>
 #include <QMimeData>
 #include <QTextEdit>
 
@@ -123,6 +125,7 @@ private Q_SLOTS:
             QList<int> apagados;
             int foco;
             const char *consulta = "";
+            Qt::KeyboardModifiers mod = {};
         } casos[] = {
             {0, Qt::Key_Return, {}, 14},
             {0, Qt::Key_Tab, {}, 14},
@@ -131,6 +134,8 @@ private Q_SLOTS:
             {4, Qt::Key_Return, {5}, 4},
             {11, Qt::Key_Return, {}, 11}, // nothing
             {14, Qt::Key_Return, {}, 4},
+            {14, Qt::Key_Return, {}, 4, "", Qt::ShiftModifier}, // as Enter
+            {16, Qt::Key_Tab, {}, 15, "", Qt::ShiftModifier},   // back
             {16, Qt::Key_Tab, {}, 4},
             {15, Qt::Key_Return, {}, 16},
             {15, Qt::Key_Return, {16}, 4},
@@ -168,7 +173,7 @@ private Q_SLOTS:
             for (int i : {0, 4, 5, 14, 16, 24, 28, 29})
                 f->txtFields(i)->setEnabled(!c.apagados.contains(i));
             consultas.clear();
-            pulsa(f, c.campo, c.tecla);
+            pulsa(f, c.campo, c.tecla, c.mod);
             QCOMPARE(enfocado(f), "txtFields_" + QString::number(c.foco));
             QCOMPARE(consultas.join('\n'), QString::fromUtf8(c.consulta));
         }
@@ -318,8 +323,8 @@ private Q_SLOTS:
     }
 
     // F3 toggles the barcode reader and puts the focus on the article field; with it a code
-    // and Enter add a line of one. F9 adds the typed line; F6 runs the code generation only
-    // where its button is on (view-only orders).
+    // and Enter add a line of one. F9 adds the typed line; F6 runs the code generation, and
+    // F3 toggles the reader, in every mode, whatever their controls' state.
     void teclasDeLaVentana()
     {
         auto f = abre();
@@ -341,15 +346,34 @@ private Q_SLOTS:
         QCOMPARE(f->fg2->TextMatrix(3, 0) + ' ' + f->fg2->TextMatrix(3, 1),
                  QStringLiteral("TAB-01 4"));
         pulsa(f, 14, Qt::Key_F6);
-        QVERIFY(!procesos.contains("OP007 -1"));
+        QVERIFY(procesos.contains("OP007 -1"));
         f->descarga();
+        procesos.clear();
         p->ConsultaOp(1);
         f = editor();
         QVERIFY(f);
         QTest::keyClick(f->windowHandle(), Qt::Key_F6);
         QTest::keyClick(f->windowHandle(), Qt::Key_F3);
-        QVERIFY(procesos.contains("OP007 -1") && !f->Check4->isChecked());
+        QVERIFY(procesos.contains("OP007 -1") && f->Check4->isChecked());
         QVERIFY2(ui->reportes().isEmpty(), qPrintable(ui->reportes().join('\n')));
+    }
+
+    // Alt+Down and F4 drop the date picker's calendar instead of stepping the year.
+    void calendarioConAltAbajoYF4()
+    {
+        auto f = abre();
+        QVERIFY(f);
+        const QDate antes = f->DTPicker2->date();
+        for (const QKeyCombination tecla :
+             {Qt::AltModifier | Qt::Key_Down, QKeyCombination(Qt::Key_F4)}) {
+            f->DTPicker2->setFocus();
+            QTest::keyClick(f->windowHandle(), tecla.key(), tecla.keyboardModifiers());
+            QWidget *calendario = QApplication::activePopupWidget();
+            QVERIFY(calendario && calendario->findChild<QCalendarWidget *>());
+            calendario->close();
+            QCOMPARE(f->DTPicker2->date(), antes);
+        }
+        delete f.data(); // with its calendar, which is a window of its own
     }
 
     // Down under field 4 (after the kit lookup) drops the article list, narrowed by what the

@@ -12,6 +12,7 @@
 #include <QCalendarWidget>
 #include <QComboBox>
 #include <QLineEdit>
+#include <QPointer>
 
 using namespace zuvi;
 using namespace pruebasturnos;
@@ -197,11 +198,21 @@ private Q_SLOTS:
         QVERIFY(f->isVisible() && f->isEnabled());
     }
 
-    // A key with a quote or a stacked statement breaks the existence test: reported by
-    // SalvaCambios in frmTurno, nothing written, no second statement run, editor still open.
+    // A key with a quote or a stacked statement, or the key of a shift that exists, is
+    // refused by the host before its statement runs: reported by SalvaCambios in frmTurno
+    // in Spanish, naming the key, nothing written, the editor still open.
     void claveConComilla()
     {
-        for (const char *clave : {"O'Brien", "X'; DELETE FROM empleados; --"}) {
+        const struct
+        {
+            const char *clave;
+            const char *causa;
+        } casos[] = {
+            {"O'Brien", "\"O'Brien\" no es una clave válida de turno"},
+            {"X'; DELETE FROM empleados; --", "\"X'; DELETE FROM empleados; --\" no es una clave"},
+            {"MATUTINO", "Ya existe un turno con la clave \"MATUTINO\"."},
+        };
+        for (const auto &caso : casos) {
             auto f = abreCatalogo(m_base->ambiente());
             QVERIFY(f);
             const int empleados = cuenta("SELECT COUNT(*) FROM empleados");
@@ -209,21 +220,59 @@ private Q_SLOTS:
             bool abierta = false;
             m_guion->olvida();
             enEditor([&](frmTurno *e) {
-                tecleaCampos(e, {clave, "07:00", "11:00", "15:00", "Lunes", "11:30"});
+                tecleaCampos(e, {caso.clave, "07:00", "11:00", "15:00", "Lunes", "11:30"});
                 agrega(e, {"E006"});
                 atajo(e, Qt::Key_A);
                 abierta = e->isVisible() && !e->descargada();
             });
             atajo(f, Qt::Key_N);
-            QVERIFY(abierta);
+            QVERIFY2(abierta, caso.clave);
             QCOMPARE(m_guion->reportes().size(), 1);
-            QVERIFY(m_guion->reportes().first().startsWith(
-                "Error occured:\r\nModule: frmTurno\r\nFunction: SalvaCambios\r\n"));
+            QVERIFY2(m_guion->reportes().first().startsWith(
+                         "Error occured:\r\nModule: frmTurno\r\nFunction: SalvaCambios\r\n"
+                         "Description: " +
+                         QString::fromUtf8(caso.causa)),
+                     qPrintable(m_guion->reportes().first()));
             QCOMPARE(turnos(), antes);
             QCOMPARE(cuenta("SELECT COUNT(*) FROM turnoempleado WHERE empleado = 'E006'"), 0);
             QCOMPARE(cuenta("SELECT COUNT(*) FROM empleados"), empleados);
             cierraTodo();
         }
+    }
+
+    // Escape with a time list open closes only the list; Escape in the editor then asks
+    // before losing what was typed: "no" keeps the editor, "yes" closes it.
+    void escapeCierraLaListaYPreguntaAntesDeDescartar()
+    {
+        auto f = abreCatalogo(m_base->ambiente());
+        QVERIFY(f);
+        m_guion->respuestas({false, true});
+        QStringList vistos;
+        enEditor([&](frmTurno *editor) {
+            QPointer<frmTurno> e(editor);
+            QTest::keyClicks(e->cmbFields(0), "MIXTO");
+            QTest::keyClick(e->windowHandle(), Qt::Key_Tab);
+            QTest::keyClick(e->windowHandle(), Qt::Key_Down, Qt::AltModifier);
+            QWidget *lista = QApplication::activePopupWidget();
+            if (!lista)
+                return;
+            QTest::keyClick(lista, Qt::Key_Escape);
+            const auto estado = [&] {
+                return QStringLiteral("%1 %2 %3")
+                    .arg(e && !e->descargada())
+                    .arg(QApplication::activePopupWidget() != nullptr)
+                    .arg(e ? e->texto(0) : QString());
+            };
+            vistos << estado();
+            QTest::keyClick(e->windowHandle(), Qt::Key_Escape);
+            vistos << estado();
+            QTest::keyClick(e->windowHandle(), Qt::Key_Escape);
+            vistos << QString::number(e.isNull() || e->descargada());
+        });
+        atajo(f, Qt::Key_N);
+        QCOMPARE(vistos, (QStringList{"1 0 MIXTO", "1 0 MIXTO", "1"}));
+        QCOMPARE(m_guion->preguntas().size(), 2);
+        QVERIFY(m_guion->preguntas().first().contains("MIXTO"));
     }
 
     // A new shift is checked before anything is written: a key that exists (looked for with

@@ -4,5 +4,8 @@
 set -euo pipefail
 raiz=$(cd "$(dirname "$0")/.." && pwd)
 build=${ZUVI_BUILD_DIR:-$raiz/build}
+# With ccache on the machine, a second checkout (another folder, a CI clone)
+# reuses what the first compiled: paths below the checkout are hashed relative.
+export CCACHE_BASEDIR=${CCACHE_BASEDIR:-$raiz}
 cmake -S "$raiz" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo "$@" >/dev/null
 cmake --build "$build" -j"$(nproc)"

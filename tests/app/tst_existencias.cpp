@@ -32,64 +32,46 @@ private slots:
         qputenv("QT_QPA_PLATFORM", "offscreen");
     }
 
-    void puertas_data()
-    {
-        QTest::addColumn<QString>("prepara");
-        QTest::addColumn<QString>("args");
-        QTest::addColumn<int>("codigo");
-        QTest::addColumn<QString>("dice"); // in the output or the errors, | between texts
-        QTest::addColumn<QString>("consulta");
-        QTest::addColumn<QString>("resultado");
-        QTest::newRow("negativas permitidas")
-            << "UPDATE estaciones SET existencianegativa = 1"
-            << "ensamble SOPORTE 3 5000" << 0 << "Aviso|TORN-01|faltan 15,000|terminado"
-            << "SELECT cantidad FROM existencias WHERE articulo = 'TORN-01'"
-            << "-15000";
-        QTest::newRow("ensamble") << ""
-                                  << "ensamble SOPORTE 3 3" << 0 << "terminado" << kBalance
-                                  << "0 15.2";
-        QTest::newRow("desensamble")
-            << ""
-            << "desensamble SOPORTE 2 3" << 0 << "terminado" << kBalance << "0 15.2";
-        QTest::newRow("entrega") << ""
-                                 << "entrega 1" << 0 << "entregado" << kBalance << "0 15.2";
-        QTest::newRow("entrega corta")
-            << "UPDATE existencias SET cantidad = 10 WHERE articulo = 'TORN-01'"
-            << "entrega 2" << 1
-            << "orden de producción 2|TORN-01|se necesitan 50, hay 10, faltan 40"
-            << "SELECT COUNT(*) FROM movimientos"
-            << "0";
-        QTest::newRow("materiales")
-            << "UPDATE existencias SET cantidad = 10 WHERE articulo = 'TORN-01'"
-            << "materiales 2 --csv" << 0
-            << "articulo,descripcion,almacen,nombre_almacen,necesario,existencia,faltante\n"
-               "TORN-01,\"Tornillo 1/4\"\"\",1,Almacén general,50,10,40\n"
-               "TUER-01,\"Tuerca 1/4\"\"\",1,Almacén general,50,5000,0\n"
-            << "SELECT COUNT(*) FROM movimientos"
-            << "0";
-        QTest::newRow("materiales en texto")
-            << ""
-            << "materiales 1" << 0
-            << "Materiales de la orden 1: hay existencias de todo.|SOPORTE|Soporte metálico"
-            << "SELECT COUNT(*) FROM movimientos"
-            << "0";
-    }
     void puertas()
     {
-        QFETCH(QString, prepara);
-        QFETCH(QString, args);
-        QFETCH(int, codigo);
-        QFETCH(QString, dice);
-        QFETCH(QString, consulta);
-        QFETCH(QString, resultado);
-        pruebas::BaseDePrueba base;
-        if (!prepara.isEmpty())
-            base.ejecuta(prepara);
-        const Corrida c = corre(QStringList{"--base", base.url()} + args.split(' '));
-        QVERIFY2(c.codigo == codigo, c.dice());
-        for (const QString &texto : dice.split('|'))
-            QVERIFY2((c.salida + c.error).contains(texto), c.dice());
-        QCOMPARE(base.filas(consulta).join('|'), resultado);
+        const char *const torn10 =
+            "UPDATE existencias SET cantidad = 10 WHERE articulo = 'TORN-01'";
+        const char *const cuantos = "SELECT COUNT(*) FROM movimientos";
+        const struct
+        {
+            const char *prepara, *args;
+            int codigo;
+            const char *dice; // in the output or the errors, | between texts
+            const char *consulta, *resultado;
+        } casos[] = {
+            {"UPDATE estaciones SET existencianegativa = 1", "ensamble SOPORTE 3 5000", 0,
+             "Aviso|TORN-01|faltan 15,000|terminado",
+             "SELECT cantidad FROM existencias WHERE articulo = 'TORN-01'", "-15000"},
+            {"", "ensamble SOPORTE 3 3", 0, "terminado", kBalance, "0 15.2"},
+            {"", "desensamble SOPORTE 2 3", 0, "terminado", kBalance, "0 15.2"},
+            {"", "entrega 1", 0, "entregado", kBalance, "0 15.2"},
+            {torn10, "entrega 2", 1,
+             "orden de producción 2|TORN-01|se necesitan 50, hay 10, faltan 40", cuantos, "0"},
+            {torn10, "materiales 2 --csv", 0,
+             "articulo,descripcion,almacen,nombre_almacen,necesario,existencia,faltante\n"
+             "TORN-01,\"Tornillo 1/4\"\"\",1,Almacén general,50,10,40\n"
+             "TUER-01,\"Tuerca 1/4\"\"\",1,Almacén general,50,5000,0\n",
+             cuantos, "0"},
+            {"", "materiales 1", 0,
+             "Materiales de la orden 1: hay existencias de todo.|SOPORTE|Soporte metálico", cuantos,
+             "0"},
+        };
+        for (const auto &caso : casos) {
+            pruebas::BaseDePrueba base;
+            if (*caso.prepara)
+                base.ejecuta(caso.prepara);
+            const Corrida c =
+                corre(QStringList{"--base", base.url()} + QString::fromUtf8(caso.args).split(' '));
+            QVERIFY2(c.codigo == caso.codigo, c.dice());
+            for (const QString &texto : QString::fromUtf8(caso.dice).split('|'))
+                QVERIFY2((c.salida + c.error).contains(texto), c.dice());
+            QCOMPARE(base.filas(caso.consulta).join('|'), QString::fromUtf8(caso.resultado));
+        }
     }
 };
 

@@ -18,30 +18,24 @@ class TstIdioma : public QObject
     Q_OBJECT
 
 private slots:
-    void eligeIdioma_data()
-    {
-        QTest::addColumn<QString>("opcion");
-        QTest::addColumn<QByteArray>("entorno");
-        QTest::addColumn<QString>("esperado"); // empty: refused
-        QTest::newRow("por omisión") << "" << QByteArray() << "es_MX";
-        QTest::newRow("entorno") << "" << QByteArray("es_CO.UTF-8") << "es_CO";
-        QTest::newRow("la opción manda") << "es-AR" << QByteArray("es_CO") << "es_AR";
-        QTest::newRow("solo el idioma") << "es" << QByteArray() << "es_ES";
-        QTest::newRow("inglés") << "en_US.UTF-8" << QByteArray() << "";
-        QTest::newRow("portugués") << "pt_BR" << QByteArray() << "";
-        QTest::newRow("C en el entorno") << "" << QByteArray("C") << "";
-    }
     void eligeIdioma()
     {
-        QFETCH(QString, opcion);
-        QFETCH(QByteArray, entorno);
-        QFETCH(QString, esperado);
-        qputenv("ZUVI_IDIOMA", entorno);
-        if (esperado.isEmpty()) {
-            QVERIFY_THROWS_EXCEPTION(Error, app::eligeIdioma(opcion));
-            return;
+        const struct
+        {
+            const char *opcion, *entorno, *esperado; // esperado empty: refused
+        } casos[] = {
+            {"", "", "es_MX"},   {"", "es_CO.UTF-8", "es_CO"}, {"es-AR", "es_CO", "es_AR"},
+            {"es", "", "es_ES"}, {"en_US.UTF-8", "", ""},      {"pt_BR", "", ""},
+            {"", "C", ""},
+        };
+        for (const auto &caso : casos) {
+            qputenv("ZUVI_IDIOMA", caso.entorno);
+            const QString opcion = QString::fromLatin1(caso.opcion);
+            if (!*caso.esperado)
+                QVERIFY_THROWS_EXCEPTION(Error, app::eligeIdioma(opcion));
+            else
+                QCOMPARE(app::eligeIdioma(opcion).name(), QString::fromLatin1(caso.esperado));
         }
-        QCOMPARE(app::eligeIdioma(opcion).name(), esperado);
     }
 
     // What a clerk meets: the buttons, the calendar, the print dialog (a text

@@ -103,29 +103,33 @@ class TstVentana : public QObject
 
     // Types into a box of the active window and describes the box after it and after an
     // undo: text, cursor, selection, edits signalled and a one-letter shortcut's firings.
-    static QStringList tecleaEn(QWidget *ventana, QLineEdit *caja, const QByteArray &teclas)
+    struct Caja
     {
-        QFETCH(QString, inicial);
-        QFETCH(int, cursor);
-        QFETCH(QString, mascara);
-        QFETCH(int, largo);
-        QFETCH(bool, soloLectura);
-        QFETCH(bool, validador);
+        const char *inicial;
+        int cursor; // -1 selects everything
+        const char *mascara;
+        int largo;
+        bool soloLectura, validador;
+        QByteArray teclas;
+        const char *esperado;
+    };
+    static QStringList tecleaEn(QWidget *ventana, QLineEdit *caja, const Caja &c)
+    {
         ventana->show();
         ventana->activateWindow();
         if (!QTest::qWaitForWindowActive(ventana))
             return {QStringLiteral("la ventana no se activó")};
         caja->setFocus();
-        caja->setInputMask(mascara);
-        caja->setMaxLength(largo);
-        caja->setText(inicial);
-        caja->setReadOnly(soloLectura);
-        if (validador)
+        caja->setInputMask(QString::fromLatin1(c.mascara));
+        caja->setMaxLength(c.largo);
+        caja->setText(QString::fromLatin1(c.inicial));
+        caja->setReadOnly(c.soloLectura);
+        if (c.validador)
             caja->setValidator(new QIntValidator(0, 99, caja));
-        if (cursor < 0)
+        if (c.cursor < 0)
             caja->selectAll();
         else
-            caja->setCursorPosition(cursor);
+            caja->setCursorPosition(c.cursor);
         int ediciones = 0, atajos = 0;
         QObject::connect(caja, &QLineEdit::textEdited, caja, [&] { ++ediciones; });
         QShortcut atajo(QKeySequence(QStringLiteral("Z")), ventana);
@@ -138,8 +142,8 @@ class TstVentana : public QObject
                 .arg(ediciones)
                 .arg(atajos);
         };
-        for (const char c : teclas)
-            QTest::keyClick(ventana->windowHandle(), c);
+        for (const char tecla : c.teclas)
+            QTest::keyClick(ventana->windowHandle(), tecla);
         QStringList estados{describe()};
         QTest::keyClick(ventana->windowHandle(), Qt::Key_Z, Qt::ControlModifier);
         return estados << describe();
@@ -151,43 +155,29 @@ private Q_SLOTS:
     // A box of the window takes a typed character as a box of no window does: in place of
     // the selection, within its mask, validator and length, not at all when read-only (where
     // a one-letter shortcut fires instead), and all of it undone at once.
-    void escribeComoUnaCajaSinVentana_data()
-    {
-        QTest::addColumn<QString>("inicial");
-        QTest::addColumn<int>("cursor"); // -1 selects everything
-        QTest::addColumn<QString>("mascara");
-        QTest::addColumn<int>("largo");
-        QTest::addColumn<bool>("soloLectura");
-        QTest::addColumn<bool>("validador");
-        QTest::addColumn<QByteArray>("teclas");
-        QTest::addColumn<QString>("esperado");
-        const int sinLimite = 32767;
-        QTest::newRow("en medio") << "az" << 1 << "" << sinLimite << false << false
-                                  << QByteArray("b-c .Z") << "ab-c .Zz";
-        QTest::newRow("sobre la selección")
-            << "abc" << -1 << "" << sinLimite << false << false << QByteArray("zy") << "zy";
-        QTest::newRow("largo máximo")
-            << "ab" << 2 << "" << 3 << false << false << QByteArray("cde") << "abc";
-        QTest::newRow("máscara") << "" << 0 << "999" << sinLimite << false << false
-                                 << QByteArray("2a3") << "23";
-        QTest::newRow("validador")
-            << "" << 0 << "" << sinLimite << false << true << QByteArray("2a34") << "23";
-        QTest::newRow("solo lectura")
-            << "ab" << 2 << "" << sinLimite << true << false << QByteArray("cz") << "ab";
-    }
     void escribeComoUnaCajaSinVentana()
     {
-        QFETCH(QByteArray, teclas);
-        QFETCH(QString, esperado);
-        QStringList sola;
-        {
-            QWidget ventana;
-            sola = tecleaEn(&ventana, new QLineEdit(&ventana), teclas);
+        const int sinLimite = 32767;
+        const Caja casos[] = {
+            {"az", 1, "", sinLimite, false, false, "b-c .Z", "ab-c .Zz"}, // in the middle
+            {"abc", -1, "", sinLimite, false, false, "zy", "zy"},         // over the selection
+            {"ab", 2, "", 3, false, false, "cde", "abc"},
+            {"", 0, "999", sinLimite, false, false, "2a3", "23"},
+            {"", 0, "", sinLimite, false, true, "2a34", "23"},
+            {"ab", 2, "", sinLimite, true, false, "cz", "ab"},
+        };
+        for (const Caja &caso : casos) {
+            QStringList sola;
+            {
+                QWidget ventana;
+                sola = tecleaEn(&ventana, new QLineEdit(&ventana), caso);
+            }
+            QCOMPARE(sola.value(0).section('|', 0, 0), QString::fromLatin1(caso.esperado));
+            auto v = abre();
+            QVERIFY(v);
+            QCOMPARE(tecleaEn(v, v->campo(3), caso), sola);
+            delete v;
         }
-        QCOMPARE(sola.value(0).section('|', 0, 0), esperado);
-        auto v = abre();
-        QVERIFY(v);
-        QCOMPARE(tecleaEn(v, v->campo(3), teclas), sola);
     }
 
     // With key preview a key reaches the window first, then the focused member with its index,

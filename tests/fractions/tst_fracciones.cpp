@@ -70,26 +70,23 @@ private Q_SLOTS:
 
     // Form_Load sets Estado and starts the welcome before the window shows; Enter starts
     // "FRACCIONES" with the whole line, trimmed; other keys start nothing, the field stays.
-    void enterIniciaLaCaptura_data()
-    {
-        QTest::addColumn<QString>("tecleado");
-        QTest::addColumn<QString>("codigo");
-        QTest::newRow("vacío") << QString() << QString();
-        QTest::newRow("solo blancos") << QStringLiteral("   ") << QString();
-        QTest::newRow("blancos alrededor") << QStringLiteral("  75010 ") << QStringLiteral("75010");
-        QTest::newRow("blanco interior") << QStringLiteral(" AB 12") << QStringLiteral("AB 12");
-    }
     void enterIniciaLaCaptura()
     {
-        QFETCH(QString, tecleado);
-        QFETCH(QString, codigo);
-        auto f = abre();
-        QVERIFY(f);
-        QTest::keyClicks(f->txtFields(0), tecleado);
-        QTest::keyClick(f->windowHandle(), Qt::Key_Return);
-        QCOMPARE(llamadas, (QStringList{"FRACCIONES001||ESPERANDO USUARIO|false",
-                                        "FRACCIONES|" + codigo + "|FRACCIONES001|true"}));
-        QVERIFY(informes->textos.isEmpty() && f->txtFields(0)->text() == tecleado);
+        const struct
+        {
+            QString tecleado, codigo;
+        } casos[] = {{"", ""}, {"   ", ""}, {"  75010 ", "75010"}, {" AB 12", "AB 12"}};
+        for (const auto &caso : casos) {
+            cleanup();
+            init();
+            auto f = abre();
+            QVERIFY(f);
+            QTest::keyClicks(f->txtFields(0), caso.tecleado);
+            QTest::keyClick(f->windowHandle(), Qt::Key_Return);
+            QCOMPARE(llamadas, (QStringList{"FRACCIONES001||ESPERANDO USUARIO|false",
+                                            "FRACCIONES|" + caso.codigo + "|FRACCIONES001|true"}));
+            QVERIFY(informes->textos.isEmpty() && f->txtFields(0)->text() == caso.tecleado);
+        }
     }
 
     // Keys that type symbols refresh Codigo as any other key does: each takes the text

@@ -52,62 +52,51 @@ class TstCapturaNumerica : public QObject
     Q_OBJECT
 
 private slots:
-    void pad_data()
-    {
-        QTest::addColumn<QString>("inicial"); // the box's text
-        QTest::addColumn<int>("largo");       // the box's maximum length
-        QTest::addColumn<QString>("teclas");
-        QTest::addColumn<bool>("teclado");  // keyboard instead of buttons
-        QTest::addColumn<QString>("final"); // the box's text afterwards
-        struct Caso
-        {
-            const char *nombre, *inicial;
-            int largo;
-            const char *teclas, *final;
-        };
-        const Caso casos[] = {
-            {"vacia", "", 32767, "12.5A", "12.5"},
-            {"sigue al texto de la caja", "7", 32767, "5A", "75"},
-            {"un cero solo se reemplaza", "0", 32767, "05A", "5"},
-            {"segundo punto rechazado", "", 32767, "1.2.3A", "1.23"},
-            {"punto primero", "", 32767, ".5A", "0.5"},
-            {"punto al final", "", 32767, "5.A", "5"},
-            {"atras", "123", 32767, "<<4A", "14"},
-            {"borra", "123", 32767, "C9A", "9"},
-            {"borra y acepta deja vacia", "12", 32767, "CA", ""},
-            {"cancelar deja la caja", "123", 32767, "45X", "123"},
-            {"quince digitos y no mas", "", 32767, "1234567890.123456A", "1234567890.12345"},
-            {"texto que no es numero empieza vacio", "abc", 32767, "3A", "3"},
-            {"comas de miles", "1,234.50", 32767, "A", "1234.5"},
-            {"largo maximo de la caja", "", 3, "1234A", "123"},
-        };
-        for (const Caso &c : casos)
-            for (const bool teclado : {false, true})
-                QTest::addRow("%s, %s", c.nombre, teclado ? "teclado" : "botones")
-                    << c.inicial << c.largo << c.teclas << teclado << c.final;
-        QTest::newRow("coma como punto, teclado") << "" << 32767 << "1,5A" << true << "1.5";
-    }
     void pad()
     {
-        QFETCH(QString, inicial);
-        QFETCH(int, largo);
-        QFETCH(QString, teclas);
-        QFETCH(bool, teclado);
-        QFETCH(QString, final);
-        QLineEdit caja(inicial);
-        caja.setMaxLength(largo);
-        CapturaNumericaAnfitrion captura;
-        captura.PonDestino(&caja);
-        const auto r = conDialogoModal<TecladoNumerico>([&] { captura.Muestra(); },
-                                                        [&](TecladoNumerico *t) {
-                                                            if (teclado)
-                                                                pulsaConTeclado(t, teclas);
-                                                            else
-                                                                pulsaConBotones(t, teclas);
-                                                        });
-        QVERIFY(r.abrio);
-        QVERIFY(!r.seguiaAbierto);
-        QCOMPARE(caja.text(), final);
+        const struct
+        {
+            const char *inicial; // the box's text
+            int largo;           // the box's maximum length
+            const char *teclas, *final;
+            bool soloTeclado = false; // otherwise typed with the buttons and with the keyboard
+        } casos[] = {
+            {"", 32767, "12.5A", "12.5"},
+            {"7", 32767, "5A", "75"}, // goes on from the box's text
+            {"0", 32767, "05A", "5"}, // a lone zero is replaced
+            {"", 32767, "1.2.3A", "1.23"},
+            {"", 32767, ".5A", "0.5"},
+            {"", 32767, "5.A", "5"},
+            {"123", 32767, "<<4A", "14"},
+            {"123", 32767, "C9A", "9"},
+            {"12", 32767, "CA", ""},
+            {"123", 32767, "45X", "123"}, // cancel leaves the box
+            {"", 32767, "1234567890.123456A", "1234567890.12345"},
+            {"abc", 32767, "3A", "3"}, // a text that is not a number starts empty
+            {"1,234.50", 32767, "A", "1234.5"},
+            {"", 3, "1234A", "123"},
+            {"", 32767, "1,5A", "1.5", true}, // a comma as the point
+        };
+        for (const auto &caso : casos) {
+            for (const bool teclado : {false, true}) {
+                if (caso.soloTeclado && !teclado)
+                    continue;
+                const QString teclas = QString::fromLatin1(caso.teclas);
+                QLineEdit caja(QString::fromLatin1(caso.inicial));
+                caja.setMaxLength(caso.largo);
+                CapturaNumericaAnfitrion captura;
+                captura.PonDestino(&caja);
+                const auto r = conDialogoModal<TecladoNumerico>(
+                    [&] { captura.Muestra(); },
+                    [&](TecladoNumerico *t) {
+                        teclado ? pulsaConTeclado(t, teclas) : pulsaConBotones(t, teclas);
+                    });
+                QVERIFY(r.abrio);
+                QVERIFY(!r.seguiaAbierto);
+                QVERIFY2(caja.text() == QString::fromLatin1(caso.final),
+                         qPrintable(caso.teclas + QStringLiteral(" -> ") + caja.text()));
+            }
+        }
     }
 
     void sinCajaNoAbre()

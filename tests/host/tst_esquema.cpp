@@ -131,75 +131,51 @@ private Q_SLOTS:
     // A key the module writes between quotes cannot hold a quote (nor a backslash on MariaDB),
     // by any path: a plain statement, the builder's bound INSERT, an UPDATE. The message names
     // the column; nothing is stored.
-    void claveConComillaSeRechaza_data()
-    {
-        QTest::addColumn<QString>("como"); // "sql" a plain statement, else the builder's tipo
-        QTest::addColumn<QString>("tabla");
-        QTest::addColumn<QString>("columna");
-        QTest::addColumn<QString>("valor");
-        const bool maria = BaseDePrueba::enMariaDB();
-        QTest::newRow("turno INSERT enlazado") << "INSERT"
-                                               << "turnos"
-                                               << "turno"
-                                               << "X' OR '1'='1";
-        QTest::newRow("turno UPDATE enlazado") << "UPDATE"
-                                               << "turnos"
-                                               << "turno"
-                                               << "NOCHE'";
-        QTest::newRow("miembro") << "INSERT"
-                                 << "turnoempleado"
-                                 << "empleado"
-                                 << "E'1";
-        QTest::newRow("artículo por sentencia") << "sql"
-                                                << "prods"
-                                                << "articulo"
-                                                << "A''B";
-        QTest::newRow("componente") << "sql"
-                                    << "comppart"
-                                    << "Componente"
-                                    << "''";
-        QTest::newRow("clave adicional") << "UPDATE"
-                                         << "clavesadd"
-                                         << "clave"
-                                         << "C'";
-        if (maria)
-            QTest::newRow("barra invertida") << "INSERT"
-                                             << "vends"
-                                             << "vend"
-                                             << "V\\";
-    }
     void claveConComillaSeRechaza()
     {
-        QFETCH(QString, como);
-        QFETCH(QString, tabla);
-        QFETCH(QString, columna);
-        QFETCH(QString, valor);
-        BaseDePrueba base(true);
-        base.ejecuta("INSERT INTO clavesadd (clave, Articulo) VALUES ('C1', 'SOPORTE')");
-        base.ejecuta("INSERT INTO vends (vend) VALUES ('V1')");
-        const QString antes = base.filas("SELECT * FROM " + tabla).join('|');
-        const QString error = falla([&] {
-            if (como == "sql") {
-                const QString otra = tabla == "comppart" ? ", articulo" : "";
-                base.ambiente()->EjecutaSQL(
-                    QString("INSERT INTO %1 (%2%3) VALUES ('%4'%5)")
-                        .arg(tabla, columna, otra, valor, otra.isEmpty() ? "" : ", 'REPISA'"));
-                return;
-            }
-            anfitrion::ConstructorSqlAnfitrion c;
-            c.PonConexion(base.conexion());
-            c.Tipo(como);
-            c.AgregaCampo(tabla, columna, valor);
-            if (tabla == "turnoempleado")
-                c.AgregaCampo(tabla, "turno", "NOCHE");
-            c.Condicion(columna + " IS NOT NULL");
-            c.Genera(tabla);
-            c.Ejecuta();
-        });
-        QVERIFY2(error.contains(QString("la columna %1 de la tabla %2 no puede llevar comillas")
-                                    .arg(columna, tabla)),
-                 qPrintable(error));
-        QCOMPARE(base.filas("SELECT * FROM " + tabla).join('|'), antes);
+        const struct
+        {
+            const char *como; // "sql" a plain statement, else the builder's tipo
+            QString tabla, columna, valor;
+            bool soloMariaDB = false;
+        } casos[] = {
+            {"INSERT", "turnos", "turno", "X' OR '1'='1"},  {"UPDATE", "turnos", "turno", "NOCHE'"},
+            {"INSERT", "turnoempleado", "empleado", "E'1"}, {"sql", "prods", "articulo", "A''B"},
+            {"sql", "comppart", "Componente", "''"},        {"UPDATE", "clavesadd", "clave", "C'"},
+            {"INSERT", "vends", "vend", "V\\", true},
+        };
+        for (const auto &caso : casos) {
+            if (caso.soloMariaDB && !BaseDePrueba::enMariaDB())
+                continue;
+            const QString como = QString::fromLatin1(caso.como);
+            const QString &tabla = caso.tabla, &columna = caso.columna, &valor = caso.valor;
+            BaseDePrueba base(true);
+            base.ejecuta("INSERT INTO clavesadd (clave, Articulo) VALUES ('C1', 'SOPORTE')");
+            base.ejecuta("INSERT INTO vends (vend) VALUES ('V1')");
+            const QString antes = base.filas("SELECT * FROM " + tabla).join('|');
+            const QString error = falla([&] {
+                if (como == "sql") {
+                    const QString otra = tabla == "comppart" ? ", articulo" : "";
+                    base.ambiente()->EjecutaSQL(
+                        QString("INSERT INTO %1 (%2%3) VALUES ('%4'%5)")
+                            .arg(tabla, columna, otra, valor, otra.isEmpty() ? "" : ", 'REPISA'"));
+                    return;
+                }
+                anfitrion::ConstructorSqlAnfitrion c;
+                c.PonConexion(base.conexion());
+                c.Tipo(como);
+                c.AgregaCampo(tabla, columna, valor);
+                if (tabla == "turnoempleado")
+                    c.AgregaCampo(tabla, "turno", "NOCHE");
+                c.Condicion(columna + " IS NOT NULL");
+                c.Genera(tabla);
+                c.Ejecuta();
+            });
+            QVERIFY2(error.contains(QString("la columna %1 de la tabla %2 no puede llevar comillas")
+                                        .arg(columna, tabla)),
+                     qPrintable(error));
+            QCOMPARE(base.filas("SELECT * FROM " + tabla).join('|'), antes);
+        }
     }
 
     // A text longer than its column is refused, not cut (MariaDB) nor stored whole (SQLite);

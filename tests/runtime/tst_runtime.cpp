@@ -95,24 +95,22 @@ private Q_SLOTS:
         registry.clear();
     }
 
-    void ecoMuestraControlesYCorta_data()
-    {
-        QTest::addColumn<QString>("valor");
-        QTest::addColumn<int>("maximo");
-        QTest::addColumn<QString>("esperado");
-        QTest::newRow("normal") << QStringLiteral("Almacén 1") << 60 << QStringLiteral("Almacén 1");
-        QTest::newRow("escape") << QStringLiteral("a\x1b[2Jb\n") << 60
-                                << QStringLiteral("a\\x1b[2Jb\\x0a");
-        QTest::newRow("justo") << QStringLiteral("abcd") << 4 << QStringLiteral("abcd");
-        QTest::newRow("largo") << QStringLiteral("abcde") << 4 << QStringLiteral("abcd…");
-        QTest::newRow("c1") << QString(QChar(0x9b)) << 60 << QStringLiteral("\\x9b");
-    }
     void ecoMuestraControlesYCorta()
     {
-        QFETCH(QString, valor);
-        QFETCH(int, maximo);
-        QFETCH(QString, esperado);
-        QCOMPARE(eco(valor, maximo), esperado);
+        const struct
+        {
+            QString valor;
+            int maximo;
+            QString esperado;
+        } casos[] = {
+            {"Almacén 1", 60, "Almacén 1"},
+            {"a\x1b[2Jb\n", 60, "a\\x1b[2Jb\\x0a"},
+            {"abcd", 4, "abcd"},
+            {"abcde", 4, "abcd…"},
+            {QString(QChar(0x9b)), 60, "\\x9b"},
+        };
+        for (const auto &caso : casos)
+            QCOMPARE(eco(caso.valor, caso.maximo), caso.esperado);
     }
 };
 

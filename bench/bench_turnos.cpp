@@ -182,9 +182,9 @@ Medida listasBare(const QString &ruta)
         t.start();
         const auto llena = [&](QTreeWidget &lista, const char *cuenta, const char *filas,
                                QHash<QString, QTreeWidgetItem *> *indice) {
-            sqlite3_stmt *c = prepara(db, cuenta);
-            sqlite3_step(c);
-            sqlite3_finalize(c);
+            sqlite3_stmt *conteo = prepara(db, cuenta);
+            sqlite3_step(conteo);
+            sqlite3_finalize(conteo);
             sqlite3_stmt *f = prepara(db, filas);
             while (sqlite3_step(f) == SQLITE_ROW) {
                 auto *el = new QTreeWidgetItem;

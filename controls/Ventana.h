@@ -118,12 +118,17 @@ Q_SIGNALS:
 
 protected:
     virtual void Form_Load() {}
-    virtual void Form_QueryUnload(qint16 &Cancel, qint16 UnloadMode) {}
-    virtual void Form_Unload(qint16 &Cancel) {}
+    // Nothing to do unless a window has something to do: the parameters are
+    // named as the handlers that override them name theirs.
+    virtual void Form_QueryUnload([[maybe_unused]] qint16 &Cancel,
+                                  [[maybe_unused]] qint16 UnloadMode)
+    {
+    }
+    virtual void Form_Unload([[maybe_unused]] qint16 &Cancel) {}
     virtual void Form_Paint() {}
-    virtual void Form_KeyDown(qint16 &KeyCode, qint16 Shift) {}
-    virtual void Form_KeyPress(qint16 &KeyAscii) {}
-    virtual void Form_KeyUp(qint16 &KeyCode, qint16 Shift) {}
+    virtual void Form_KeyDown([[maybe_unused]] qint16 &KeyCode, [[maybe_unused]] qint16 Shift) {}
+    virtual void Form_KeyPress([[maybe_unused]] qint16 &KeyAscii) {}
+    virtual void Form_KeyUp([[maybe_unused]] qint16 &KeyCode, [[maybe_unused]] qint16 Shift) {}
 
     void closeEvent(QCloseEvent *evento) override;
     void paintEvent(QPaintEvent *evento) override;

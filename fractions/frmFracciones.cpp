@@ -49,7 +49,8 @@ void frmFracciones::Form_Paint()
     });
 }
 
-void frmFracciones::txtFields_KeyDown(int Index, qint16 &KeyCode, qint16 Shift)
+void frmFracciones::txtFields_KeyDown([[maybe_unused]] int Index, qint16 &KeyCode,
+                                      [[maybe_unused]] qint16 Shift)
 {
     // Runs before the key reaches the field: on Enter, Codigo is the whole
     // line typed so far.

@@ -242,7 +242,7 @@ void frmOp::avanzaConEnter(int Index, qint16 &KeyCode)
     }
 }
 
-void frmOp::txtFields_KeyUp(int Index, qint16 &KeyCode, qint16 Shift)
+void frmOp::txtFields_KeyUp(int Index, qint16 &KeyCode, [[maybe_unused]] qint16 Shift)
 {
     if (KeyCode != teclas::Abajo)
         return;
@@ -315,7 +315,7 @@ void frmOp::TraeSegundaClave()
     });
 }
 
-void frmOp::RichTextBox1_KeyDown(qint16 &KeyCode, qint16 Shift)
+void frmOp::RichTextBox1_KeyDown(qint16 &KeyCode, [[maybe_unused]] qint16 Shift)
 {
     if (KeyCode == teclas::F8 && txtFields(Campo::Articulo)->isEnabled()) {
         KeyCode = 0;

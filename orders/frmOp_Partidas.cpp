@@ -208,7 +208,7 @@ QString frmOp::TraeVends()
     return nombre;
 }
 
-void frmOp::fg2_KeyDown(qint16 &KeyCode, qint16 Shift)
+void frmOp::fg2_KeyDown(qint16 &KeyCode, [[maybe_unused]] qint16 Shift)
 {
     if (Modo == QLatin1String("CONSULTA") || KeyCode != teclas::Suprimir)
         return;

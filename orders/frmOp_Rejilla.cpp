@@ -84,7 +84,8 @@ void frmOp::MSFlexGridEdit(Rejilla *grid, QLineEdit *editor, qint16 &KeyAscii)
     });
 }
 
-void frmOp::EditKeyCode(Rejilla *grid, QLineEdit *editor, qint16 KeyCode, qint16 Shift)
+void frmOp::EditKeyCode(Rejilla *grid, QLineEdit *editor, qint16 KeyCode,
+                        [[maybe_unused]] qint16 Shift)
 {
     atrapa(QStringLiteral("EditKeyCode"), [&] {
         switch (KeyCode) {
@@ -174,7 +175,7 @@ void frmOp::txtEdit_KeyDown(qint16 &KeyCode, qint16 Shift)
         KeyCode = 0;
 }
 
-void frmOp::Form_KeyDown(qint16 &KeyCode, qint16 Shift)
+void frmOp::Form_KeyDown(qint16 &KeyCode, [[maybe_unused]] qint16 Shift)
 {
     switch (KeyCode) {
     case teclas::F3:

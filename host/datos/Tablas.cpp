@@ -175,10 +175,10 @@ QStringList Catalogo::claves() const
     return l;
 }
 
-const Columna *Catalogo::columna(const QString &nombre) const
+const Columna *Catalogo::columna(const QString &buscada) const
 {
     for (const Columna &c : columnas)
-        if (c.nombre.compare(nombre.trimmed(), Qt::CaseInsensitive) == 0)
+        if (c.nombre.compare(buscada.trimmed(), Qt::CaseInsensitive) == 0)
             return &c;
     return nullptr;
 }

@@ -70,20 +70,20 @@ QDate leeFecha(const QString &texto)
     static const QRegularExpression iso(QStringLiteral("^([0-9]{4})-([0-9]{1,2})-([0-9]{1,2})$"));
     static const QRegularExpression corrida(QStringLiteral("^([0-9]{2})([0-9]{2})([0-9]{4})$"));
     int d = 0, m = 0, a = 0;
-    if (auto r = iso.match(t); r.hasMatch()) {
-        a = r.captured(1).toInt();
-        m = r.captured(2).toInt();
-        d = r.captured(3).toInt();
-    } else if (auto r = partes.match(t); r.hasMatch()) {
-        d = r.captured(1).toInt();
-        m = r.captured(2).toInt();
-        a = r.captured(3).toInt();
-        if (r.captured(3).size() == 2)
+    if (const auto ri = iso.match(t); ri.hasMatch()) {
+        a = ri.captured(1).toInt();
+        m = ri.captured(2).toInt();
+        d = ri.captured(3).toInt();
+    } else if (const auto rp = partes.match(t); rp.hasMatch()) {
+        d = rp.captured(1).toInt();
+        m = rp.captured(2).toInt();
+        a = rp.captured(3).toInt();
+        if (rp.captured(3).size() == 2)
             a += a < 70 ? 2000 : 1900;
-    } else if (auto r = corrida.match(t); r.hasMatch()) {
-        d = r.captured(1).toInt();
-        m = r.captured(2).toInt();
-        a = r.captured(3).toInt();
+    } else if (const auto rc = corrida.match(t); rc.hasMatch()) {
+        d = rc.captured(1).toInt();
+        m = rc.captured(2).toInt();
+        a = rc.captured(3).toInt();
     } else {
         return {};
     }

@@ -9,7 +9,7 @@
 
 namespace zuvi::anfitrion {
 
-QString literalSql(const QVariant &v, Motor motor)
+QString literalSql(const QVariant &v, [[maybe_unused]] Motor motor)
 {
     if (!v.isValid() || v.isNull())
         return QStringLiteral("NULL");

@@ -53,7 +53,10 @@ struct Envoltura : Produccion
 // Process control that empties argument (2) and leaves the veto as told.
 struct ProcesosSinDocumento : ControlProcesos
 {
-    explicit ProcesosSinDocumento(pruebas::AnfitrionGuionado *h, bool veta) : h(h), veta(veta) {}
+    explicit ProcesosSinDocumento(pruebas::AnfitrionGuionado *guion, bool vetar)
+        : h(guion), veta(vetar)
+    {
+    }
     void IniciaProceso(ArgumentosProceso &a) override
     {
         h->anota("IniciaProceso", {a.proceso});

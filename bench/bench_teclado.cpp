@@ -58,8 +58,9 @@ void preparaArticulos(const QSqlDatabase &db)
 {
     QSqlDatabase(db).transaction();
     for (int i = 0; i < kLineas; ++i)
-        ejecuta(db, QStringLiteral("INSERT INTO prods (articulo, descrip, unidad, costo_u) "
-                                   "VALUES ('%1', 'Artículo número %2', 'PZA', 1.5)")
+        // An order lists what is made: the typed articles are kits.
+        ejecuta(db, QStringLiteral("INSERT INTO prods (articulo, descrip, unidad, costo_u, kit) "
+                                   "VALUES ('%1', 'Artículo número %2', 'PZA', 1.5, 1)")
                         .arg(codigo(i))
                         .arg(i));
     ejecuta(db, QStringLiteral("UPDATE estaciones SET lector = 1"));

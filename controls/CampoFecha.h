@@ -5,6 +5,7 @@
 // exist (31/02/2024) is refused with a message instead of being moved to a
 // nearby day; the picker keeps its former date and the focus.
 
+#include <QDate>
 #include <QObject>
 #include <QString>
 
@@ -30,10 +31,21 @@ protected:
 private:
     // False, after the message, when the text typed is not a date.
     bool aceptaTexto();
+    // The text the clerk typed, with the day asked for where the spin box
+    // lowered it to fit a shorter month.
+    QString textoTecleado() const;
+    void anotaCambio(QDate nueva);
 
     QDateEdit *m_fecha;
     std::function<void(const QString &)> m_avisa;
     bool m_avisando = false;
+    // While a typed key is being handled: the day shown before it and whether it
+    // went into the day itself.
+    bool m_tecleando = false, m_enElDia = false;
+    bool m_enSeccion = false; // the last key typed a digit into the part shown
+    int m_diaAntes = 0;
+    int m_diaPedido = 0; // a day the month or year typed has no room for
+    QDate m_fechaPrevia; // the date before the clerk started typing
 };
 
 } // namespace zuvi

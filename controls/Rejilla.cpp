@@ -22,6 +22,9 @@ Rejilla::Rejilla(QWidget *parent) : QTableWidget(parent)
     setSelectionMode(QAbstractItemView::SingleSelection);
     setSelectionBehavior(QAbstractItemView::SelectItems);
     setEditTriggers(QAbstractItemView::NoEditTriggers);
+    // Tab leaves the grid for the next control, as on every other control of a
+    // window; the arrows move between cells.
+    setTabKeyNavigation(false);
     connect(this, &QTableWidget::currentCellChanged, this, [this](int fila, int columna) {
         if (m_moviendo || fila < 0 || columna < 0)
             return;

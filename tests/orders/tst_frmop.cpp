@@ -4,10 +4,34 @@
 
 #include "BancoEditor.h"
 
+#include "host/servicios/AccesoDatosAnfitrion.h"
+#include "host/servicios/ConstructorSqlAnfitrion.h"
+#include "runtime/ClassRegistry.h"
+
 #include <QDateEdit>
 
 using namespace zuvi;
 using namespace zuvi::pruebas;
+
+namespace {
+
+// The host's statement builder, noting the type each flag or small number arrives with.
+QSet<QString> tiposPequenos;
+struct ConstructorQueAnota : anfitrion::ConstructorSqlAnfitrion
+{
+    void AgregaCampo(const QString &tabla, const QString &columna, const QVariant &valor) override
+    {
+        if (QStringList{"ocupado", "costo", "automatico", "partida"}.contains(columna))
+            tiposPequenos << columna + ':' + QString::fromLatin1(valor.typeName());
+        ConstructorSqlAnfitrion::AgregaCampo(tabla, columna, valor);
+    }
+};
+struct AccesoQueAnota : anfitrion::AccesoDatosAnfitrion
+{
+    ConstructorSql *NuevoConstructorSql() override { return new ConstructorQueAnota; }
+};
+
+} // namespace
 
 class TstFrmOp : public QObject, public BancoEditor
 {
@@ -23,9 +47,18 @@ private Q_SLOTS:
     void cleanup() { limpia(); }
 
     // From the keyboard alone: an article and Enter, a quantity and Enter, a secondary key
-    // and Enter, a quantity and Enter, F5 and yes. The order is confirmed with both lines.
+    // and Enter, a quantity and Enter, F5 and yes. The order is confirmed with both lines;
+    // the flags and small numbers reached the statement builder as 16-bit integers.
     void nuevaOrdenConfirmadaDesdeElTeclado()
     {
+        auto &clases = ClassRegistry::instance();
+        clases.add(QStringLiteral("AccesoDatos"), [] { return new AccesoQueAnota; });
+        const auto restaura = qScopeGuard([&] {
+            clases.add(QStringLiteral("AccesoDatos"),
+                       [] { return new anfitrion::AccesoDatosAnfitrion; });
+        });
+        tiposPequenos.clear();
+        deNuevo(); // the module takes its builder when it starts
         p->NuevaOp();
         auto f = editor();
         QVERIFY(f);
@@ -73,6 +106,8 @@ private Q_SLOTS:
                  o + "||" + o + "|TORN-01|5|0|Tornillo 1/4\"|0|ADMIN|" + hoy);
         QCOMPARE(lineas.at(1).section('|', 1),
                  o + "||" + o + "|TUER-01|3|0|Tuerca 1/4\"|0|ADMIN|" + hoy);
+        QCOMPARE(tiposPequenos,
+                 (QSet<QString>{"ocupado:short", "costo:short", "costo:double", "partida:short"}));
     }
 
     // With no line the order is saved pending, with message 343; no process runs and the

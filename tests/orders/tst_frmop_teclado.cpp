@@ -376,6 +376,37 @@ private Q_SLOTS:
         delete f.data(); // with its calendar, which is a window of its own
     }
 
+    // A typed date that is not in the calendar is refused with a message naming it, even
+    // where the spin box had lowered the day to fit; the picker keeps its date and the focus.
+    void fechasTecleadas()
+    {
+        const struct
+        {
+            const char *tecleado, *rechazada;
+            QDate queda;
+        } casos[] = {{"31022024", "31/02/2024", {}},
+                     {"29022023", "29/02/2023", {}},
+                     {"29022024", "", {2024, 2, 29}}};
+        auto f = abre();
+        QVERIFY(f);
+        for (const auto &c : casos) {
+            ui->olvida();
+            const QDate antes = f->DTPicker1->date();
+            f->DTPicker1->setFocus();
+            f->DTPicker1->setSelectedSection(QDateTimeEdit::DaySection);
+            teclea(f, QString::fromLatin1(c.tecleado) + "⇥");
+            const QString aviso = ui->textosMensajes().join('|');
+            const QString esperado =
+                *c.rechazada
+                    ? QStringLiteral("La fecha \"%1\" no existe").arg(QLatin1String(c.rechazada))
+                    : QString();
+            QCOMPARE(aviso.left(esperado.size()), esperado);
+            QCOMPARE(aviso.isEmpty(), esperado.isEmpty());
+            QCOMPARE(f->DTPicker1->date(), c.queda.isValid() ? c.queda : antes);
+            QCOMPARE(enfocado(f), c.queda.isValid() ? "DTPicker2" : "DTPicker1");
+        }
+    }
+
     // Down under field 4 (after the kit lookup) drops the article list, narrowed by what the
     // field holds; Down/Up move, Enter writes the code, Escape closes it.
     void listaDeArticulos()
@@ -507,6 +538,19 @@ private Q_SLOTS:
         teclea(f, "5");
         QTest::keyClick(f->windowHandle(), Qt::Key_Return);
         QCOMPARE(cantidad(f->fg2->TextMatrix(2, 5)), QStringLiteral("25"));
+    }
+
+    // Tab and Shift+Tab leave the grid for its neighbours, not for its next cell.
+    void rejillaEnLaCadenaDeTab()
+    {
+        auto f = abre(1);
+        QVERIFY(f);
+        for (const auto &[tecla, foco] : {std::pair{Qt::NoModifier, "RichTextBox2"},
+                                          std::pair{Qt::ShiftModifier, "txtFields_29"}}) {
+            f->fg2->setFocus();
+            QTest::keyClick(f->windowHandle(), Qt::Key_Tab, tecla);
+            QCOMPARE(enfocado(f), QString::fromLatin1(foco));
+        }
     }
 
     // F8 in the observations box goes to the article field; other keys are the box's.

@@ -12,6 +12,7 @@
 #include <QComboBox>
 #include <QContextMenuEvent>
 #include <QCoreApplication>
+#include <QDialog>
 #include <QEventLoop>
 #include <QKeyEvent>
 #include <QLineEdit>
@@ -340,8 +341,12 @@ bool Ventana::eventFilter(QObject *objeto, QEvent *evento)
 {
     switch (evento->type()) {
     case QEvent::WindowDeactivate: {
+        // A message or dialog takes the focus: modal, or a dialog the host shows
+        // without Qt's modality and blocks the other windows for itself.
         QWidget *modal = QApplication::activeModalWidget();
-        if (objeto == this && modal && modal != this)
+        QWidget *activa = QApplication::activeWindow();
+        if (objeto == this && ((modal && modal != this) ||
+                               (activa && activa != this && qobject_cast<QDialog *>(activa))))
             m_trasDialogo = true;
         return false;
     }

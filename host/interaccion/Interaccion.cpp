@@ -1,5 +1,7 @@
 #include "host/interaccion/Interaccion.h"
 
+#include "host/interaccion/TeclasRetenidas.h"
+
 #include "runtime/Error.h"
 
 #include <QApplication>
@@ -266,7 +268,7 @@ public:
         caja.setText(texto);
         caja.setIcon(icono(estilo));
         caja.setStandardButtons(QMessageBox::Ok);
-        caja.exec();
+        TeclasRetenidas(&caja).espera();
     }
 
     // The module's error report: a plain box, OK only, no icon.

@@ -2,6 +2,7 @@
 
 #include "host/interaccion/Interaccion.h"
 
+#include <QLineEdit>
 #include <QtTest>
 #include <QtWidgets>
 
@@ -9,6 +10,19 @@
 #include <unistd.h>
 
 using namespace zuvi::anfitrion;
+
+namespace {
+
+// The message box on screen (a question is modal; a message is modal in effect only).
+QMessageBox *cajaAbierta()
+{
+    for (QWidget *w : QApplication::topLevelWidgets())
+        if (auto *caja = qobject_cast<QMessageBox *>(w); caja && caja->isVisible())
+            return caja;
+    return nullptr;
+}
+
+} // namespace
 
 class TstInteraccion : public QObject
 {
@@ -50,7 +64,7 @@ private slots:
         QStringList vista; // text, title and icon of the last box answered
         const auto responde = [&vista](QMessageBox::StandardButton boton) {
             QTimer::singleShot(0, [&vista, boton] {
-                if (auto *caja = qobject_cast<QMessageBox *>(QApplication::activeModalWidget())) {
+                if (auto *caja = cajaAbierta()) {
                     vista = {caja->text(), caja->windowTitle(), QString::number(caja->icon())};
                     caja->button(boton)->click();
                 }
@@ -87,6 +101,37 @@ private slots:
         QVERIFY(textos.contains("Orden 120") && textos.contains("Artículo KIT-01"));
         p->cierra();
         QTRY_VERIFY(!dialogo || !dialogo->isVisible());
+    }
+
+    // What a scanner types while a message is shown, before and after the box has the focus,
+    // is typed again with its Enter where the focus returns; a plain Enter only closes the box.
+    void escanerSobreUnMensaje()
+    {
+        QLineEdit campo;
+        int enters = 0;
+        QObject::connect(&campo, &QLineEdit::returnPressed, [&enters] { ++enters; });
+        campo.show();
+        QApplication::setActiveWindow(&campo);
+        campo.setFocus();
+        auto ventanas = interaccionVentanas(false);
+        for (const char *tecleado : {"AB-1", ""}) {
+            campo.clear();
+            enters = 0;
+            QTimer::singleShot(0, [&campo, tecleado] {
+                QWidget *caja = cajaAbierta();
+                if (!caja)
+                    return; // no box: the counts below fail
+                const QString todo = QString::fromLatin1(tecleado);
+                QTest::keyClicks(&campo, todo.left(2)); // before the box had the focus
+                QTest::keyClicks(caja, todo.mid(2));
+                QTest::keyClick(caja, Qt::Key_Return);
+            });
+            ventanas->mensaje(QStringLiteral("El artículo no existe."), 64);
+            QTRY_COMPARE(enters, *tecleado ? 1 : 0);
+            QCoreApplication::processEvents();
+            QCOMPARE(campo.text(), QString::fromLatin1(tecleado));
+            QCOMPARE(enters, *tecleado ? 1 : 0);
+        }
     }
 };
 

@@ -170,10 +170,11 @@ void corre(const QSqlDatabase &db, const QString &sql, const QString &queHace,
 QString cuentaEnSentencia(const QString &nombre)
 {
     static const QRegularExpression valido(QStringLiteral("^[A-Za-z0-9_.-]{1,30}$"));
-    if (!valido.match(nombre).hasMatch() || rolDeNombre(nombre) != Rol::Ninguno)
+    if (!valido.match(nombre).hasMatch() ||
+        nombre.startsWith(QLatin1String("zuvi_"), Qt::CaseInsensitive))
         throw Error(QStringLiteral("El nombre de cuenta \"%1\" no es válido: use de 1 a 30 letras "
-                                   "sin acentos, números, \".\", \"-\" o \"_\", y que no sea el "
-                                   "nombre de un rol.")
+                                   "sin acentos, números, \".\", \"-\" o \"_\", sin empezar con "
+                                   "\"zuvi_\" como los roles.")
                         .arg(eco(nombre)));
     return QStringLiteral("'%1'@'%'").arg(nombre);
 }

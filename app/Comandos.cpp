@@ -1,6 +1,7 @@
 #include "app/Comandos.h"
 
 #include "app/Componente.h"
+#include "app/Cuentas.h"
 #include "app/Lotes.h"
 #include "app/Materiales.h"
 #include "app/catalogos/OrdenesDatos.h"
@@ -23,6 +24,9 @@
 
 #include <algorithm>
 #include <cstdio>
+
+#include <pwd.h>
+#include <unistd.h>
 
 namespace zuvi::app {
 
@@ -360,6 +364,16 @@ int ejecuta(const LineaComandos &lc)
         return rol(lc);
     if (o == QLatin1String("materiales"))
         return materiales(lc);
+    if (o == QLatin1String("usuario")) {
+        bool malUso = false;
+        try {
+            return ordenUsuario(lc, malUso);
+        } catch (const Error &e) {
+            if (malUso)
+                throw ErrorDeUso(e.description());
+            throw;
+        }
+    }
     if (esOrdenDeDatos(o))
         return ordenDeDatos(lc);
     throw ErrorDeUso(QStringLiteral("Orden desconocida: %1").arg(o));
@@ -376,6 +390,12 @@ void avisa(const QString &texto)
 std::unique_ptr<anfitrion::Sesion> abreSesion(const LineaComandos &lc)
 {
     anfitrion::Opciones opciones = lc.opciones;
+    // On one machine whoever runs the program is who saves.
+    if (!opciones.usuarioDado)
+        if (const struct passwd *p = ::getpwuid(::getuid()))
+            opciones.usuario = QString::fromLocal8Bit(p->pw_name);
+    if (!opciones.pideEntrada)
+        opciones.pideEntrada = pideEntradaTerminal;
     bool demo = lc.demo;
     if (!lc.baseDada) {
         opciones.base = anfitrion::basePorOmision();

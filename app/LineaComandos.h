@@ -22,6 +22,7 @@ struct LineaComandos
     bool simula = false;   // --simula (importa)
     bool csv = false;      // --csv (materiales, existencias, movimientos)
     QString almacen;       // --almacen (existencias, movimientos)
+    QStringList roles;     // --rol (usuario)
     QString desde, hasta;  // --desde, --hasta (movimientos)
     QString orden;         // the sub-command; empty opens the main window
     QStringList argumentos;

@@ -2,6 +2,7 @@
 
 #include "app/Componente.h"
 #include "contract/Servicios.h"
+#include "host/base/Cuentas.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/Comprobaciones.h"
 #include "host/servicios/Existencias.h"
@@ -111,6 +112,7 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
     if (!aviso.isEmpty())
         anfitrion::interaccion().mensaje(aviso, 48);
     anfitrion::LoteDeReportes reportes;
+    anfitrion::olvidaNegativa();
     const Resultado r = invocaMiembro(produccion, miembro, valores);
     d.llamado = true;
     d.valor = r.valor;
@@ -120,6 +122,13 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
         // CancelaOp says whether it changed anything.
         d.completo = reportes.mostrados() == 0 && (!r.hayValor || r.valor.toInt() != 0);
         d.resumen = reportes.avisoRepetidos();
+    }
+    // A member that ends quietly on an error (CancelaOp) still says when
+    // the server refused it a right.
+    const QString negativa = anfitrion::ultimaNegativa();
+    if (!negativa.isEmpty() && d.resumen.isEmpty()) {
+        d.completo = false;
+        d.resumen = QStringLiteral("No se hizo: %1.").arg(negativa);
     }
     return d;
 }

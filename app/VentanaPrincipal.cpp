@@ -4,6 +4,7 @@
 
 #include "app/Comandos.h"
 #include "app/Componente.h"
+#include "app/DialogoEntrada.h"
 #include "app/DialogoEstacion.h"
 #include "app/DialogoKit.h"
 #include "app/Lotes.h"
@@ -152,11 +153,16 @@ void VentanaPrincipal::creaMenus()
     agrega(ordenes, QStringLiteral("&Salir"), &QWidget::close, QKeySequence::Quit);
 
     QMenu *kit = menuBar()->addMenu(QStringLiteral("&Kits"));
-    agrega(kit, QStringLiteral("&Ensamblar..."), [this] { kits(false); });
-    agrega(kit, QStringLiteral("&Desensamblar..."), [this] { kits(true); });
+    agrega(kit, QStringLiteral("&Ensamblar..."), [this] {
+        kits(false);
+    })->setObjectName(QStringLiteral("actEnsamblar"));
+    agrega(kit, QStringLiteral("&Desensamblar..."), [this] {
+        kits(true);
+    })->setObjectName(QStringLiteral("actDesensamblar"));
 
     QMenu *fraccion = menuBar()->addMenu(QStringLiteral("&Fracciones"));
-    agrega(fraccion, QStringLiteral("&Captura de fracciones"), &VentanaPrincipal::fracciones);
+    agrega(fraccion, QStringLiteral("&Captura de fracciones"), &VentanaPrincipal::fracciones)
+        ->setObjectName(QStringLiteral("actFracciones"));
 
     QMenu *turno = menuBar()->addMenu(QStringLiteral("&Turnos"));
     m_turnos = agrega(turno, QStringLiteral("&Turnos y horarios"), &VentanaPrincipal::turnos);
@@ -197,6 +203,7 @@ void VentanaPrincipal::ajustaAcciones()
             items.isEmpty() ? nullptr : m_lista->item(items.first()->row(), ColOcupada);
         m_libera->setEnabled(ocupada && !ocupada->text().isEmpty());
     }
+    ajustaPorRol();
 }
 
 void VentanaPrincipal::actualiza()
@@ -319,7 +326,9 @@ int ejecutaVentanaPrincipal(const LineaComandos &lc)
     std::unique_ptr<anfitrion::Sesion> sesion;
     std::unique_ptr<QObject> produccion;
     try {
-        sesion = abreSesion(lc);
+        LineaComandos conEntrada = lc;
+        conEntrada.opciones.pideEntrada = pideEntradaVentana;
+        sesion = abreSesion(conEntrada);
         produccion = creaProduccion(sesion->ambiente());
     } catch (...) {
         avisa(describeCurrentException());

@@ -41,6 +41,7 @@ protected:
 private:
     void creaMenus();
     void ajustaAcciones();
+    void ajustaPorRol();
     // Calls a member of the component by name inside an error boundary, then
     // refreshes the list. False when the call could not be made.
     template <typename... A> bool llama(const char *metodo, A... argumentos);

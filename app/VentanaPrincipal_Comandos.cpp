@@ -201,6 +201,28 @@ void VentanaPrincipal::acercaDe()
                  m_sesion.opciones().base.section(QLatin1Char('@'), -1).toHtmlEscaped()));
 }
 
+void VentanaPrincipal::ajustaPorRol()
+{
+    // An entry whose work the server would refuse to the account's role is
+    // not offered. The server still decides: this only spares the refusal.
+    using anfitrion::Rol;
+    static const struct
+    {
+        const char *accion;
+        Rol rol;
+    } kPide[] = {
+        {"actNueva", Rol::Captura},        {"actModificar", Rol::Captura},
+        {"actFracciones", Rol::Captura},   {"actEntregar", Rol::Produccion},
+        {"actEnsamblar", Rol::Produccion}, {"actDesensamblar", Rol::Produccion},
+        {"actCancelar", Rol::Supervisor},  {"actLiberar", Rol::Supervisor},
+        {"actTurnos", Rol::Supervisor},    {"actEstacion", Rol::Admin},
+    };
+    for (const auto &p : kPide)
+        if (auto *a = findChild<QAction *>(QLatin1String(p.accion));
+            a && !anfitrion::tieneRol(m_sesion.rol(), p.rol))
+            a->setEnabled(false);
+}
+
 void VentanaPrincipal::SetFocus()
 {
     raise();

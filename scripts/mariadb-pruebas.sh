@@ -9,8 +9,10 @@
 # 127.0.0.1 on a free port with its own socket and pid file under DIR and
 # lower_case_table_names=1 (extra server options come after DIR and win, e.g.
 # --lower-case-table-names=0), waits until it answers and writes
-# "mariadb://root@127.0.0.1:PORT/" to DIR/url. Grants are skipped: the server
-# is reachable from this machine only. stop shuts it down and waits. reanuda
+# "mariadb://ADMIN@127.0.0.1:PORT/" to DIR/url: ADMIN is an account with every
+# right and no password, made when the data directory is, so the tests' orders
+# carry the user they expect. The grant tables are on: the tests of accounts
+# and roles need the server to check them. stop shuts it down and waits. reanuda
 # starts it again on the data directory and port it had (after it was killed,
 # say), without wiping anything.
 set -euo pipefail
@@ -107,6 +109,9 @@ arranca() {
     puerto=$(puerto_libre)
     echo "$puerto" >"$dir/puerto"
     lanza "$puerto" "$@"
+    # Over TCP the server sees 127.0.0.1, which root@localhost does not cover.
+    mariadb --no-defaults --socket="$socket" -uroot -e \
+        "CREATE USER 'ADMIN'@'127.0.0.1'; GRANT ALL ON *.* TO 'ADMIN'@'127.0.0.1' WITH GRANT OPTION"
 }
 
 # Starts the server on the existing data directory and waits until it answers.
@@ -119,15 +124,15 @@ lanza() {
     : >"$log"
     setsid "$bin" --no-defaults --datadir="$datos" --socket="$socket" --pid-file="$pidfile" \
         --port="$puerto" --bind-address=127.0.0.1 --user="$usuario" \
-        --skip-grant-tables --skip-name-resolve --skip-log-bin \
+        --skip-name-resolve --skip-log-bin \
         --innodb-buffer-pool-size=64M --innodb-log-file-size=16M \
         --innodb-flush-log-at-trx-commit=2 --skip-innodb-doublewrite \
         --character-set-server=utf8mb4 --collation-server=utf8mb4_general_ci \
         --log-error="$log" --lower-case-table-names=1 "$@" </dev/null >/dev/null 2>&1 &
     for _ in $(seq 1 120); do
-        if mariadb-admin --no-defaults --protocol=tcp -h127.0.0.1 -P"$puerto" -uroot \
+        if mariadb-admin --no-defaults --socket="$socket" -uroot \
             --connect-timeout=2 ping >/dev/null 2>&1; then
-            echo "mariadb://root@127.0.0.1:$puerto/" >"$dir/url"
+            echo "mariadb://ADMIN@127.0.0.1:$puerto/" >"$dir/url"
             echo "Servidor MariaDB de prueba en 127.0.0.1:$puerto (datos en $datos)"
             return 0
         fi
@@ -147,8 +152,9 @@ reanuda() {
     local puerto
     puerto=$(cat "$dir/puerto")
     # A killed server may linger as a zombie that kill -0 still finds: ask it.
-    if mariadb-admin --no-defaults --protocol=tcp -h127.0.0.1 -P"$puerto" -uroot \
+    if mariadb-admin --no-defaults --protocol=tcp -h127.0.0.1 -P"$puerto" -uADMIN \
         --connect-timeout=2 ping >/dev/null 2>&1; then
+        echo "mariadb://ADMIN@127.0.0.1:$puerto/" >"$dir/url"
         return 0
     fi
     rm -f "$pidfile" "$socket"

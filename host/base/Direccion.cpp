@@ -9,6 +9,7 @@
 #include <QRegularExpression>
 #include <QStandardPaths>
 #include <QUrl>
+#include <QUrlQuery>
 
 namespace zuvi::anfitrion {
 
@@ -58,7 +59,20 @@ DestinoBase DestinoBase::lee(const QString &base)
         urlMala(base, QStringLiteral("lleva caracteres que una dirección no admite"));
     if (url.host().isEmpty())
         urlMala(base, QStringLiteral("falta el servidor"));
-    if (url.hasQuery() || url.hasFragment())
+    // The one parameter: a client option file, where a script keeps the
+    // password out of every command line.
+    if (url.hasQuery()) {
+        const QUrlQuery consulta(url);
+        const auto pares = consulta.queryItems(QUrl::FullyDecoded);
+        if (pares.size() != 1 || pares.first().first != QLatin1String("opciones") ||
+            pares.first().second.isEmpty())
+            urlMala(base, QStringLiteral("el único parámetro que admite después del nombre es "
+                                         "?opciones=/ruta/del/archivo.cnf"));
+        d.opciones = pares.first().second;
+        if (d.opciones.contains(QLatin1Char(';')))
+            urlMala(base, QStringLiteral("la ruta del archivo de opciones no puede llevar \";\""));
+    }
+    if (url.hasFragment())
         urlMala(base, QStringLiteral("no admite parámetros después del nombre"));
     // QUrl turns a bad port into -1 silently: read the written one.
     const QString autoridad = texto.mid(kEsquemaMariaDB.size() + 2);

@@ -14,6 +14,7 @@ public:
     Motor motor = Motor::SQLite;
     QString ruta; // SQLite
     QString usuario, clave, servidor, nombre;
+    QString opciones; // MariaDB: a client option file (?opciones=/ruta/zuvi.cnf)
     int puerto = 3306;
 
     // Throws Error with a Spanish description for a malformed URL.

@@ -2,6 +2,11 @@
 
 #include "runtime/Text.h"
 
+#include <QDir>
+#include <QFileInfo>
+
+#include <sys/stat.h>
+
 namespace zuvi::anfitrion {
 
 namespace {
@@ -91,6 +96,17 @@ QString muestraRuta(const QString &ruta)
             visible += c;
     }
     return eco(visible, 200);
+}
+
+bool creaCarpetaPrivada(const QString &carpeta)
+{
+    const QString limpia = QDir::cleanPath(QFileInfo(carpeta).absoluteFilePath());
+    if (QFileInfo(limpia).isDir())
+        return true;
+    const QString padre = QFileInfo(limpia).path();
+    if (padre != limpia && !creaCarpetaPrivada(padre))
+        return false;
+    return ::mkdir(bytesDeTexto(limpia).constData(), 0700) == 0 || QFileInfo(limpia).isDir();
 }
 
 } // namespace zuvi::anfitrion

@@ -19,4 +19,8 @@ QByteArray bytesDeTexto(const QString &texto);
 // visible and a long path cut (zuvi::eco).
 QString muestraRuta(const QString &ruta);
 
+// Makes a folder and the ones above it that are missing, private to their
+// owner (what the program writes there is one person's). False on failure.
+bool creaCarpetaPrivada(const QString &carpeta);
+
 } // namespace zuvi::anfitrion

@@ -13,10 +13,13 @@
 #include <QAtomicInt>
 #include <QSqlError>
 #include <QSqlQuery>
+#include <QThread>
 
 #include <cerrno>
 #include <cstring>
 
+#include <fcntl.h>
+#include <pwd.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -65,7 +68,8 @@ QByteArray carpetaDe(const QByteArray &ruta)
     return barra <= 0 ? QByteArray("/") : ruta.left(barra);
 }
 
-// Makes the folders of a path, as bytes.
+// Makes the folders of a path, as bytes, private to their owner: they hold
+// the database of one person.
 bool creaCarpetas(const QByteArray &carpeta)
 {
     if (esCarpeta(carpeta))
@@ -73,7 +77,7 @@ bool creaCarpetas(const QByteArray &carpeta)
     const QByteArray padre = carpetaDe(carpeta);
     if (padre != carpeta && !creaCarpetas(padre))
         return false;
-    return ::mkdir(carpeta.constData(), 0777) == 0 || esCarpeta(carpeta);
+    return ::mkdir(carpeta.constData(), 0700) == 0 || esCarpeta(carpeta);
 }
 
 QString nuevoNombreConexion()
@@ -101,6 +105,61 @@ QString driverMariaDB()
                                "instale el paquete libqt6sql6-mysql."));
 }
 
+QString usuarioDelSistema()
+{
+    const struct passwd *p = ::getpwuid(::getuid());
+    return p ? QString::fromLocal8Bit(p->pw_name) : qEnvironmentVariable("USER");
+}
+
+// The explanation the statement path asks first: one of the schema's checks,
+// or the server refusing a right.
+QString explicaFallo(const QString &texto)
+{
+    const QString restriccion = causaDeRestriccion(texto);
+    return restriccion.isEmpty() ? causaDePermiso(texto) : restriccion;
+}
+
+// Signs in to the server: the account of the address, of --usuario or of the
+// option file, else the system's user; the password of the address or of the
+// option file, else none at first. A refused sign-in asks again through
+// pideEntrada; every third refusal in a row waits before the next try.
+void entra(QSqlDatabase &db, const DestinoBase &destino, const Opciones &opciones,
+           const QString &servidor)
+{
+    const OpcionesCliente cliente = leeOpcionesCliente(destino.opciones);
+    QString cuenta = !destino.usuario.isEmpty()   ? destino.usuario
+                     : opciones.usuarioDado       ? opciones.usuario
+                     : !cliente.usuario.isEmpty() ? cliente.usuario
+                                                  : usuarioDelSistema();
+    QString clave = !destino.clave.isEmpty() ? destino.clave : cliente.clave;
+    int rechazos = 0;
+    // The first try without a password the person gave is no mistake of theirs.
+    bool claveDada = !destino.clave.isEmpty() || cliente.hayClave;
+    for (;;) {
+        db.setUserName(cuenta);
+        db.setPassword(clave);
+        if (db.open())
+            return;
+        const QSqlError e = db.lastError();
+        db.setPassword(QString());
+        if (e.nativeErrorCode().toInt() != 1045 || !opciones.pideEntrada)
+            throw Error(QStringLiteral("No se puede conectar con el servidor MariaDB %1: %2.")
+                            .arg(servidor, textoError(e)));
+        QString motivo;
+        if (claveDada) {
+            motivo = QStringLiteral("El servidor MariaDB %1 rechazó la cuenta \"%2\" o su clave.")
+                         .arg(servidor, eco(cuenta));
+            if (++rechazos % 3 == 0)
+                QThread::sleep(3);
+        }
+        clave.clear();
+        claveDada = true;
+        if (!opciones.pideEntrada(cuenta, clave, motivo))
+            throw Error(QStringLiteral("No se entró al servidor MariaDB %1: %2.")
+                            .arg(servidor, textoError(e)));
+    }
+}
+
 } // namespace
 
 struct Sesion::Datos
@@ -111,6 +170,7 @@ struct Sesion::Datos
     QSqlDatabase db;
     std::unique_ptr<AmbienteAnfitrion> ambiente;
     bool creadaAlAbrir = false;
+    Rol rol = Rol::Admin;
 };
 
 Sesion::Sesion() : d(std::make_unique<Datos>()) {}
@@ -143,6 +203,11 @@ const Opciones &Sesion::opciones() const
     return d->opciones;
 }
 
+Rol Sesion::rol() const
+{
+    return d->rol;
+}
+
 bool Sesion::creadaAlAbrir() const
 {
     return d->creadaAlAbrir;
@@ -153,8 +218,10 @@ void Sesion::creaBase(bool demo)
     // The rows go in one transaction: all or nothing, and one disk sync
     // instead of one per row. MariaDB commits each CREATE TABLE by itself, so
     // there the tables come first.
-    if (d->motor == Motor::MariaDB)
+    if (d->motor == Motor::MariaDB) {
         creaEsquema(d->db, d->motor);
+        creaRoles(d->db);
+    }
     const bool transaccion = d->db.transaction();
     try {
         if (d->motor == Motor::SQLite)
@@ -201,6 +268,14 @@ void abreSQLite(QSqlDatabase &db, const QString &ruta, bool crear, bool &nueva)
             throw Error(QStringLiteral("No se puede crear la carpeta \"%1\" para la base de datos: "
                                        "%2.")
                             .arg(carpetaVisible, QString::fromLocal8Bit(strerror(errno))));
+        // Made empty and private before the engine opens it: on one machine
+        // the file's permissions are what keeps others out.
+        const int archivo = ::open(bytes.constData(), O_CREAT | O_EXCL | O_WRONLY, 0600);
+        if (archivo < 0 && errno != EEXIST)
+            throw Error(QStringLiteral("No se puede crear la base de datos \"%1\": %2.")
+                            .arg(visible, QString::fromLocal8Bit(strerror(errno))));
+        if (archivo >= 0)
+            ::close(archivo);
         nueva = true;
     }
     // The file and its folder must take writes: the folder holds the journal.
@@ -245,7 +320,7 @@ std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
 {
     // The statement path says a refusal by one of the schema's checks in
     // the schema's words.
-    ponExplicaRestriccion(causaDeRestriccion);
+    ponExplicaRestriccion(explicaFallo);
     const DestinoBase destino = DestinoBase::lee(opciones.base);
     exigeLargo(opciones.usuario, QStringLiteral("op"), QStringLiteral("usuario"),
                QStringLiteral("--usuario"));
@@ -276,14 +351,11 @@ std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
         db = QSqlDatabase::addDatabase(driverMariaDB(), s->d->nombreConexion);
         db.setHostName(destino.servidor);
         db.setPort(destino.puerto);
-        db.setUserName(destino.usuario);
-        db.setPassword(destino.clave);
         db.setConnectOptions(QStringLiteral("MYSQL_OPT_CONNECT_TIMEOUT=10"));
         const QString servidor =
             QStringLiteral("%1:%2").arg(eco(destino.servidor)).arg(destino.puerto);
-        if (!db.open())
-            throw Error(QStringLiteral("No se puede conectar con el servidor MariaDB %1: %2.")
-                            .arg(servidor, textoError(db.lastError())));
+        entra(db, destino, opciones, servidor);
+        const Identidad id = activaRol(db);
         QSqlQuery q = preparaConexion(db, QStringLiteral("SELECT @@lower_case_table_names"),
                                       QStringLiteral("No se pudo consultar el servidor MariaDB"));
         const QString lctn = q.next() ? q.value(0).toString() : QStringLiteral("?");
@@ -317,11 +389,12 @@ std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
         }
         hay = QSqlQuery();
         q = QSqlQuery();
-        db.close();
+        // The same connection, so the role made active stays: the rights to
+        // the database may come from it alone.
         db.setDatabaseName(destino.nombre);
-        if (!db.open())
-            throw Error(QStringLiteral("No se puede abrir la base de datos \"%1\" en %2: %3.")
-                            .arg(destino.nombre, servidor, textoError(db.lastError())));
+        preparaConexion(db, QStringLiteral("USE `%1`").arg(destino.nombre),
+                        QStringLiteral("No se puede abrir la base de datos \"%1\" en %2")
+                            .arg(destino.nombre, servidor));
         // The module's statements come from a lenient server: an empty text
         // where a number goes reads as 0 instead of failing. A backslash
         // between quotes is a backslash, as on SQLite.
@@ -329,6 +402,9 @@ std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
                         QStringLiteral("SET SESSION sql_mode = "
                                        "'NO_ENGINE_SUBSTITUTION,NO_BACKSLASH_ESCAPES'"),
                         QStringLiteral("No se pudo preparar la sesión de MariaDB"));
+        // Who saves is the account the server let in, not a name typed.
+        s->d->opciones.usuario = id.cuenta;
+        s->d->rol = id.rol;
     }
 
     const int version = versionDe(s->d->db);

@@ -1,5 +1,6 @@
 #include "host/reportes/Impresion.h"
 
+#include "host/base/Rutas.h"
 #include "runtime/Error.h"
 
 #include <QApplication>
@@ -59,7 +60,7 @@ QString publica(const QString &titulo, const QString &archivo, const QMarginsF &
     }
 
     const QFileInfo destino(archivo);
-    if (!QDir().mkpath(destino.absolutePath()))
+    if (!creaCarpetaPrivada(destino.absolutePath()))
         throw Error(
             QStringLiteral("No se pudo crear la carpeta \"%1\".").arg(destino.absolutePath()));
     {

@@ -1,5 +1,6 @@
 #include "host/reportes/RolMes.h"
 
+#include "host/base/Rutas.h"
 #include "host/procesos/Turnos.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
@@ -272,7 +273,7 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
 
 void escribeRolMesPdf(const RolMes &rol, const QString &archivo)
 {
-    QFileInfo(archivo).dir().mkpath(QStringLiteral("."));
+    creaCarpetaPrivada(QFileInfo(archivo).absolutePath());
     {
         QFile prueba(archivo);
         if (!prueba.open(QIODevice::WriteOnly))

@@ -72,11 +72,11 @@ private Q_SLOTS:
             }(756) +
             " ADMIN " + base.escalar("SELECT texto FROM mensajes WHERE numero = 76").toString();
         const Corrida otra =
-            corre({"invoca", "ModificaOp", "1", "--base", base.url(), "--usuario", "OTRO"});
+            corre(QStringList{"invoca", "ModificaOp", "1"} + base.otraCuenta("OTRO", "captura"));
         QVERIFY2(otra.errores.contains(texto), qPrintable(otra.errores));
         QVERIFY(!otra.errores.contains("Sin pantalla")); // no window was opened
         const Corrida vista =
-            corre({"invoca", "ConsultaOp", "1", "--base", base.url(), "--usuario", "OTRO"});
+            corre(QStringList{"invoca", "ConsultaOp", "1"} + base.otraCuenta("OTRO", "captura"));
         QCOMPARE(vista.codigo, 0);
         QVERIFY2(vista.errores.contains("Sin pantalla"), qPrintable(vista.errores));
         // The viewer neither marked nor released the order.

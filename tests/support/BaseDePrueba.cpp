@@ -54,6 +54,15 @@ QString BaseDePrueba::urlServidorMariaDB()
     return url.endsWith('/') ? url : url + '/';
 }
 
+QStringList BaseDePrueba::otraCuenta(const QString &cuenta, const QString &rol)
+{
+    if (!enMariaDB())
+        return {"--base", m_url, "--usuario", cuenta};
+    ejecuta("CREATE USER IF NOT EXISTS '" + cuenta + "'@'%'");
+    ejecuta("GRANT zuvi_" + rol + " TO '" + cuenta + "'@'%'");
+    return {"--base", QString(m_url).replace("ADMIN@", cuenta + '@')};
+}
+
 BaseDePrueba::BaseDePrueba(bool demo)
 {
     if (enMariaDB()) {

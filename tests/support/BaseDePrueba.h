@@ -57,6 +57,11 @@ public:
     void fijaReloj(const QDateTime &ahora);
     void ejecuta(const QString &sql); // throws Error on failure
 
+    // The options a second person runs the executable with: on MariaDB an
+    // account of the server with that role (made when missing, without a
+    // password); on SQLite the same file, --usuario naming them.
+    QStringList otraCuenta(const QString &cuenta, const QString &rol);
+
     // True when the tests of this process run against the MariaDB server.
     static bool enMariaDB();
     // "mariadb://root@127.0.0.1:PORT/" of that server; empty on SQLite.

@@ -18,11 +18,15 @@ struct Corrida
     QByteArray dice() const { return QString("%1 %2 %3").arg(codigo).arg(salida, error).toUtf8(); }
 };
 
-// mientras, when given, is called about every 50 ms while the program runs.
-inline Corrida corre(const QStringList &args, const std::function<void()> &mientras = {})
+// mientras, when given, is called about every 50 ms while the program runs;
+// entrada is what it reads on its standard input.
+inline Corrida corre(const QStringList &args, const std::function<void()> &mientras = {},
+                     const QByteArray &entrada = {})
 {
     QProcess p;
     p.start(ZUVI_BIN_DIR "/zuvi-produccion", args);
+    if (!entrada.isEmpty() && p.waitForStarted())
+        p.write(entrada);
     p.closeWriteChannel();
     bool termino = false;
     for (int ms = 0; ms < 300000 && !termino; ms += 50) {

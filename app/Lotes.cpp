@@ -127,6 +127,9 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
         anfitrion::interaccion().mensaje(aviso, 48);
     anfitrion::LoteDeReportes reportes;
     const Resultado r = invocaMiembro(produccion, miembro, valores);
+    // A kit line the component left halfway is undone, never left half posted.
+    for (auto *doc : produccion->findChildren<anfitrion::DocumentoInventarioAnfitrion *>())
+        doc->descartaTanda();
     d.llamado = true;
     d.valor = r.valor;
     if (entrega) {

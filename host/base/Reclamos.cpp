@@ -3,11 +3,13 @@
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/Comprobaciones.h"
 #include "host/sql/CausaError.h"
+#include "host/sql/Reconexion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
 #include <QHash>
 #include <QMutex>
+#include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSysInfo>
@@ -25,7 +27,9 @@ const QString kFormatoDesde = QStringLiteral("yyyy-MM-dd hh:mm:ss");
 struct Identidad
 {
     QString usuario, estacion;
-    qint64 ficha = 0; // tells this process's connections apart on SQLite
+    qint64 ficha = 0;     // tells this process's connections apart on SQLite
+    qint64 sesion = 0;    // the MariaDB session its claims were taken on
+    QSet<qint32> ordenes; // the orders it claimed and holds
 };
 
 QMutex candado;
@@ -38,6 +42,21 @@ Identidad identidadDe(const QSqlDatabase &db)
     return identidades.value(db.connectionName());
 }
 
+// Notes an order this connection took (sesion > 0) or gave up (sesion 0).
+void anota(const QSqlDatabase &db, qint32 op, qint64 sesion)
+{
+    QMutexLocker l(&candado);
+    const auto it = identidades.find(db.connectionName());
+    if (it == identidades.end())
+        return;
+    if (sesion) {
+        it->sesion = sesion;
+        it->ordenes.insert(op);
+    } else {
+        it->ordenes.remove(op);
+    }
+}
+
 bool fichaVigente(qint64 ficha)
 {
     QMutexLocker l(&candado);
@@ -47,23 +66,30 @@ bool fichaVigente(qint64 ficha)
     return false;
 }
 
-// The host's own bookkeeping: it stays out of the statement trace.
-QSqlQuery corre(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
-                qint32 op)
+// The host's own bookkeeping: it stays out of the statement trace. A lost
+// MariaDB connection is marked and opened again first, as on the host's
+// statement path.
+QSqlQuery corre(const QSqlDatabase &db, const QString &sql, const QVariantList &valores, qint32 op)
 {
+    reconectaSiHaceFalta(db, olvidaSentencias);
     QSqlQuery q(db);
-    if (!q.prepare(sql))
+    const auto falla = [&] {
+        const QString texto = q.lastError().databaseText();
+        const int codigo = q.lastError().nativeErrorCode().toInt();
+        if (motorDe(db) == Motor::MariaDB && esConexionPerdida(texto, codigo)) {
+            marcaPerdida(db);
+            throw ConexionPerdida(textoConexionPerdida(), codigo);
+        }
         throw Error(QStringLiteral("No se pudo saber quién tiene la orden de producción %1: %2")
                         .arg(op)
-                        .arg(causaDeFallo(q.lastError().databaseText(),
-                                          q.lastError().nativeErrorCode().toInt())));
+                        .arg(causaDeFallo(texto, codigo)));
+    };
+    if (!q.prepare(sql))
+        falla();
     for (const QVariant &v : valores)
         q.addBindValue(v);
     if (!q.exec())
-        throw Error(QStringLiteral("No se pudo saber quién tiene la orden de producción %1: %2")
-                        .arg(op)
-                        .arg(causaDeFallo(q.lastError().databaseText(),
-                                          q.lastError().nativeErrorCode().toInt())));
+        falla();
     return q;
 }
 
@@ -132,13 +158,50 @@ QString seLiberoSola(const Titular &t)
         .arg(t.quien(), t.cuanto());
 }
 
+// A MariaDB connection opened again is a new session: the claims of the old
+// one move to it, with locks of their own, unless another station took the
+// order meanwhile (its holder's session was gone), which the person is told.
+void sigueReclamos(const QSqlDatabase &db)
+{
+    const Identidad yo = identidadDe(db);
+    if (!yo.sesion || yo.ordenes.isEmpty())
+        return;
+    try {
+        const qint64 nueva = miConexion(db, 0);
+        for (const qint32 op : yo.ordenes) {
+            uno(db, QStringLiteral("SELECT GET_LOCK(?, 0)"), {nombreCerrojo(db, op, nueva)}, op);
+            QSqlQuery q = corre(db,
+                                QStringLiteral("UPDATE reclamos SET conexion = ? WHERE op = ? AND "
+                                               "conexion = ? AND proceso = ?"),
+                                {nueva, op, yo.sesion, qint64(::getpid())}, op);
+            if (q.numRowsAffected() == 1)
+                continue;
+            uno(db, QStringLiteral("SELECT RELEASE_LOCK(?)"), {nombreCerrojo(db, op, nueva)}, op);
+            anota(db, op, 0);
+            interaccion().mensaje(
+                QStringLiteral("Mientras no había conexión con el servidor, la orden de "
+                               "producción %1 dejó de estar apartada para esta estación y otra "
+                               "pudo tomarla. Lo que guarde de ella no la marca como suya: "
+                               "ciérrela y vuelva a abrirla.")
+                    .arg(op),
+                48);
+        }
+        QMutexLocker l(&candado);
+        if (const auto it = identidades.find(db.connectionName()); it != identidades.end())
+            it->sesion = nueva;
+    } catch (...) {
+        // Found out again at the next claim or release.
+    }
+}
 
 } // namespace
 
 void ponIdentidad(const QSqlDatabase &db, const QString &usuario, const QString &estacion)
 {
+    ponTrasReconectar(sigueReclamos);
     QMutexLocker l(&candado);
-    identidades.insert(db.connectionName(), {usuario.trimmed(), estacion.trimmed(), ++ultimaFicha});
+    identidades.insert(db.connectionName(),
+                       {usuario.trimmed(), estacion.trimmed(), ++ultimaFicha, 0, {}});
 }
 
 void quitaIdentidad(const QSqlDatabase &db)
@@ -168,7 +231,7 @@ QString Titular::cuanto(const QDateTime &ahora) const
 
 QString Titular::rechazo() const
 {
-    const QString que = motivo == kReclamoEdicion   ? QStringLiteral("la tiene abierta para cambios")
+    const QString que = motivo == kReclamoEdicion ? QStringLiteral("la tiene abierta para cambios")
                         : motivo == kReclamoEntrega ? QStringLiteral("la está entregando")
                                                     : QStringLiteral("la está procesando");
     return QStringLiteral("La orden de producción %1 está ocupada: %2 %3, %4. Espere a que "
@@ -228,6 +291,7 @@ Reclamo reclama(const QSqlDatabase &db, qint32 op, const QString &motivo)
              conexion, QDateTime::currentDateTime().toString(kFormatoDesde), motivo},
             op);
         if (q.numRowsAffected() == 1) {
+            anota(db, op, conexion ? conexion : 1);
             r.nuevo = true;
             return r;
         }
@@ -258,6 +322,7 @@ bool suelta(const QSqlDatabase &db, qint32 op)
         corre(db,
               QStringLiteral("DELETE FROM reclamos WHERE op = ? AND conexion = ? AND proceso = ?"),
               {op, t->conexion, t->proceso}, op);
+    anota(db, op, 0);
     // Also the lock of a claim a supervisor released under this session.
     if (esMariaDB(db))
         uno(db, QStringLiteral("SELECT RELEASE_LOCK(?)"),
@@ -267,11 +332,11 @@ bool suelta(const QSqlDatabase &db, qint32 op)
 
 bool liberaAjeno(const QSqlDatabase &db, const Titular &t)
 {
-    QSqlQuery q = corre(db,
-                        QStringLiteral("DELETE FROM reclamos WHERE op = ? AND conexion = ? AND "
-                                       "proceso = ? AND equipo = ? AND desde = ?"),
-                        {t.op, t.conexion, t.proceso, t.equipo, t.desde.toString(kFormatoDesde)},
-                        t.op);
+    QSqlQuery q =
+        corre(db,
+              QStringLiteral("DELETE FROM reclamos WHERE op = ? AND conexion = ? AND "
+                             "proceso = ? AND equipo = ? AND desde = ?"),
+              {t.op, t.conexion, t.proceso, t.equipo, t.desde.toString(kFormatoDesde)}, t.op);
     return q.numRowsAffected() > 0;
 }
 

@@ -15,8 +15,9 @@ namespace zuvi::anfitrion {
 namespace {
 
 QMutex candado;
-QSet<QString> perdidas; // connection names
+QSet<QString> perdidas;              // connection names
 std::atomic<int> cuantasPerdidas{0}; // so that a statement asks without locking
+std::atomic<TrasReconectar> trasReconectar{nullptr};
 
 bool dice(const QString &texto, const char *fragmento)
 {
@@ -53,6 +54,11 @@ bool estaPerdida(const QSqlDatabase &db)
     return perdidas.contains(db.connectionName());
 }
 
+void ponTrasReconectar(TrasReconectar tras)
+{
+    trasReconectar.store(tras);
+}
+
 void reconectaSiHaceFalta(const QSqlDatabase &db, void (*olvida)(const QSqlDatabase &))
 {
     if (!estaPerdida(db))
@@ -72,9 +78,13 @@ void reconectaSiHaceFalta(const QSqlDatabase &db, void (*olvida)(const QSqlDatab
                         .arg(causaDeFallo(modo.lastError().databaseText(),
                                           modo.lastError().nativeErrorCode().toInt())));
     }
-    QMutexLocker l(&candado);
-    perdidas.remove(db.connectionName());
-    cuantasPerdidas = int(perdidas.size());
+    {
+        QMutexLocker l(&candado);
+        perdidas.remove(db.connectionName());
+        cuantasPerdidas = int(perdidas.size());
+    }
+    if (const TrasReconectar tras = trasReconectar.load())
+        tras(conexion);
 }
 
 } // namespace zuvi::anfitrion

@@ -36,6 +36,11 @@ QString textoConexionPerdida();
 void marcaPerdida(const QSqlDatabase &db);
 bool estaPerdida(const QSqlDatabase &db);
 
+// Called on a connection just opened again, before the statement that needed
+// it runs; it must not throw. One for the whole program.
+using TrasReconectar = void (*)(const QSqlDatabase &db);
+void ponTrasReconectar(TrasReconectar tras);
+
 // Before a statement: a connection marked lost is opened again. Throws Error
 // (in Spanish) while the server cannot be reached; the mark stays then.
 // olvida is called first to drop what was prepared on the old connection.

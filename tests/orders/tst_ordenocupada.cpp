@@ -176,6 +176,24 @@ private Q_SLOTS:
         QCOMPARE(base.escalar("SELECT COUNT(*) FROM reclamos").toInt(), 0);
     }
 
+    // The session that holds an order is dropped: the next statement opens
+    // another, and the claim follows it, still alive to the other stations.
+    void reclamoTrasReconectar()
+    {
+        if (!pruebas::BaseDePrueba::enMariaDB())
+            QSKIP("only against a MariaDB server");
+        pruebas::BaseDePrueba base;
+        QSqlDatabase db = base.conexion();
+        anfitrion::reclama(db, 1, anfitrion::kReclamoEdicion);
+        QSqlDatabase otra = QSqlDatabase::cloneDatabase(db, "verdugo");
+        QVERIFY(otra.open());
+        QVERIFY(QSqlQuery(otra).exec("KILL " + base.escalar("SELECT CONNECTION_ID()").toString()));
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM op WHERE op = 1").toInt(), 1);
+        const std::optional<anfitrion::Titular> t = anfitrion::titular(otra, 1);
+        QVERIFY(t && t->vivo && !t->propio && anfitrion::titular(db, 1)->propio);
+        otra.close();
+    }
+
     void ventanaPrincipalLiberaOrdenOcupada()
     {
         pruebas::BaseDePrueba base;

@@ -7,15 +7,18 @@
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
+#include <QElapsedTimer>
 #include <QHash>
 #include <QMutex>
 #include <QSet>
 #include <QSqlError>
 #include <QSqlQuery>
 #include <QSysInfo>
+#include <QThread>
 
 #include <cerrno>
 #include <csignal>
+#include <memory>
 #include <unistd.h>
 
 namespace zuvi::anfitrion {
@@ -31,6 +34,15 @@ struct Identidad
     qint64 sesion = 0;    // the MariaDB session its claims were taken on
     QSet<qint32> ordenes; // the orders it claimed and holds
 };
+
+// Another program holds SQLite's write lock.
+class BaseOcupada : public Error
+{
+public:
+    using Error::Error;
+};
+
+constexpr int kEsperaMaximaMs = 10000;
 
 QMutex candado;
 QHash<QString, Identidad> identidades; // by connection name
@@ -80,9 +92,13 @@ QSqlQuery corre(const QSqlDatabase &db, const QString &sql, const QVariantList &
             marcaPerdida(db);
             throw ConexionPerdida(textoConexionPerdida(), codigo);
         }
-        throw Error(QStringLiteral("No se pudo saber quién tiene la orden de producción %1: %2")
-                        .arg(op)
-                        .arg(causaDeFallo(texto, codigo)));
+        const QString dicho = QStringLiteral("No se pudo revisar ni apartar la orden de "
+                                             "producción %1 para esta estación: %2")
+                                  .arg(op)
+                                  .arg(causaDeFallo(texto, codigo));
+        if (motorDe(db) == Motor::SQLite && (codigo & 0xff) == 5)
+            throw BaseOcupada(dicho, codigo);
+        throw Error(dicho, codigo);
     };
     if (!q.prepare(sql))
         falla();
@@ -102,6 +118,57 @@ QVariant uno(const QSqlDatabase &db, const QString &sql, const QVariantList &val
 bool esMariaDB(const QSqlDatabase &db)
 {
     return motorDe(db) == Motor::MariaDB;
+}
+
+// The claim's insert. On SQLite another program may hold the write lock for
+// a while: the wait is shown, and after the limit said so, instead of the
+// station freezing without a word.
+QSqlQuery insertaReclamo(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
+                         qint32 op)
+{
+    if (motorDe(db) != Motor::SQLite)
+        return corre(db, sql, valores, op);
+    QElapsedTimer reloj;
+    reloj.start();
+    std::unique_ptr<IndicadorProgreso> espera;
+    corre(db, QStringLiteral("PRAGMA busy_timeout = 0"), {}, op);
+    const auto restaura = [&] {
+        try {
+            corre(db, QStringLiteral("PRAGMA busy_timeout = %1").arg(kEsperaMaximaMs), {}, op);
+        } catch (...) {
+            // The next statement waits without a word, as before.
+        }
+        if (espera)
+            espera->cierra();
+    };
+    for (;;) {
+        try {
+            QSqlQuery q = corre(db, sql, valores, op);
+            restaura();
+            return q;
+        } catch (const BaseOcupada &) {
+            if (reloj.elapsed() >= kEsperaMaximaMs) {
+                restaura();
+                throw Error(QStringLiteral("La orden de producción %1 no se pudo apartar: otro "
+                                           "programa lleva más de %2 segundos escribiendo en la "
+                                           "base de datos. Inténtelo de nuevo cuando termine.")
+                                .arg(op)
+                                .arg(kEsperaMaximaMs / 1000));
+            }
+        } catch (...) {
+            restaura();
+            throw;
+        }
+        if (!espera) {
+            espera = interaccion().progreso();
+            espera->inicia(kEsperaMaximaMs / 100, QStringLiteral("Esperando la base de datos"),
+                           QString());
+        }
+        espera->avanza(int(reloj.elapsed() / 100),
+                       QStringLiteral("Otro programa está escribiendo en la base de datos."),
+                       QStringLiteral("Se espera hasta %1 segundos.").arg(kEsperaMaximaMs / 1000));
+        QThread::msleep(100);
+    }
 }
 
 // The server lock of one claim: taken by the claiming session before its row
@@ -282,7 +349,7 @@ Reclamo reclama(const QSqlDatabase &db, qint32 op, const QString &motivo)
         const QString cerrojo = nombreCerrojo(db, op, conexion);
         if (maria)
             uno(db, QStringLiteral("SELECT GET_LOCK(?, 0)"), {cerrojo}, op);
-        QSqlQuery q = corre(
+        QSqlQuery q = insertaReclamo(
             db,
             (maria ? QStringLiteral("INSERT IGNORE") : QStringLiteral("INSERT OR IGNORE")) +
                 QStringLiteral(" INTO reclamos (op, usuario, estacion, equipo, proceso, conexion, "

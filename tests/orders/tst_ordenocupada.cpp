@@ -196,6 +196,47 @@ private Q_SLOTS:
         otra.close();
     }
 
+    // Another program holds SQLite's write lock: the claim shows that it
+    // waits, and takes the order once the lock goes.
+    void esperaLaBaseOcupada()
+    {
+        if (pruebas::BaseDePrueba::enMariaDB())
+            QSKIP("SQLite's write lock");
+        pruebas::BaseDePrueba base;
+        QSqlDatabase otra = QSqlDatabase::cloneDatabase(base.conexion(), "escritor");
+        QVERIFY(otra.open() && QSqlQuery(otra).exec("BEGIN IMMEDIATE"));
+        struct Espera : pruebas::InteraccionGuionada
+        {
+            QSqlDatabase *escritor = nullptr;
+            QStringList vistos;
+            std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
+            {
+                struct Indicador : anfitrion::IndicadorProgreso
+                {
+                    Espera *e;
+                    void inicia(int, const QString &titulo, const QString &) override
+                    {
+                        e->vistos << titulo;
+                    }
+                    void avanza(int, const QString &, const QString &) override
+                    {
+                        QSqlQuery(*e->escritor).exec("ROLLBACK"); // the other program is done
+                    }
+                    void cierra() override { e->vistos << "cierra"; }
+                };
+                auto i = std::make_unique<Indicador>();
+                i->e = this;
+                return i;
+            }
+        };
+        auto espera = std::make_shared<Espera>();
+        espera->escritor = &otra;
+        anfitrion::ponInteraccion(espera);
+        QVERIFY(anfitrion::reclama(base.conexion(), 1, anfitrion::kReclamoEdicion).nuevo);
+        QCOMPARE(espera->vistos, QStringList({"Esperando la base de datos", "cierra"}));
+        otra.close();
+    }
+
     void ventanaPrincipalLiberaOrdenOcupada()
     {
         pruebas::BaseDePrueba base;

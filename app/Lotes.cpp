@@ -3,8 +3,10 @@
 #include "app/Componente.h"
 #include "contract/Servicios.h"
 #include "host/base/Cuentas.h"
+#include "host/base/Reclamos.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/servicios/Comprobaciones.h"
+#include "host/servicios/DocumentoInventarioAnfitrion.h"
 #include "host/servicios/Existencias.h"
 #include "runtime/Text.h"
 
@@ -81,6 +83,8 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
 {
     const QString metodo = QString::fromLatin1(miembro.name());
     Desenlace d;
+    if (metodo == QLatin1String("ModificaOp") && !valores.isEmpty())
+        anfitrion::preparaApertura(db, valores.first().toInt());
     if (!anfitrion::esOperacionDeLote(metodo)) {
         const Resultado r = invocaMiembro(produccion, miembro, valores);
         d.llamado = d.completo = true;
@@ -88,13 +92,24 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
         return d;
     }
     anfitrion::compruebaLlamada(db, metodo, valores);
+    // The order is this station's while the operation runs: another station
+    // that holds it (an editor, a delivery) refuses it, and two deliveries
+    // of one order never both run.
+    const bool entrega = metodo == QLatin1String("EntregaProductoTerminado");
+    const bool deOrden = entrega || metodo == QLatin1String("CancelaOp");
+    const qint32 orden = valores.value(deOrden ? 0 : 3).toInt();
+    std::optional<anfitrion::ReclamoTemporal> reclamo;
+    if (orden > 0 && (deOrden || valores.size() > 3)) {
+        reclamo.emplace(db, orden, entrega ? anfitrion::kReclamoEntrega : anfitrion::kReclamoLote);
+        if (!reclamo->aviso().isEmpty())
+            anfitrion::interaccion().mensaje(reclamo->aviso(), 64);
+    }
     // The station's settings are the environment's the component was given.
     auto *ambiente =
         qobject_cast<zuvi::Ambiente *>(produccion->property("Ambiente").value<QObject *>());
     const QString aviso =
         anfitrion::compruebaExistencias(db, anfitrion::ajustesEstacion(ambiente), metodo, valores);
-    const bool entrega = metodo == QLatin1String("EntregaProductoTerminado");
-    const qint32 op = entrega ? valores.value(0).toInt() : 0;
+    const qint32 op = entrega ? orden : 0;
     std::optional<anfitrion::ControlEntrega> control;
     if (entrega) {
         control.emplace(db, op);
@@ -114,6 +129,9 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
     anfitrion::LoteDeReportes reportes;
     anfitrion::olvidaNegativa();
     const Resultado r = invocaMiembro(produccion, miembro, valores);
+    // A kit line the component left halfway is undone, never left half posted.
+    for (auto *doc : produccion->findChildren<anfitrion::DocumentoInventarioAnfitrion *>())
+        doc->descartaTanda();
     d.llamado = true;
     d.valor = r.valor;
     if (entrega) {

@@ -10,11 +10,13 @@
 #include "app/Lotes.h"
 #include "app/Materiales.h"
 #include "contract/Identidad.h"
+#include "host/base/Reclamos.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/reportes/Impresion.h"
 #include "host/reportes/RolMes.h"
 #include "host/servicios/Comprobaciones.h"
+#include "host/sql/CausaError.h"
 #include "host/sql/Sql.h"
 #include "runtime/ComponentRegistry.h"
 #include "runtime/Error.h"
@@ -212,11 +214,14 @@ void VentanaPrincipal::actualiza()
         return;
     m_actualizando = true;
     const qint32 elegida = ordenSeleccionada();
-    const bool ok = swallowErrors([&] {
+    QString causa;
+    try {
         QSqlQuery q = anfitrion::ejecuta(
             m_sesion.conexion(),
             QStringLiteral("SELECT op.op, op.estado, op.f_emision, op.almacen, op.observ, "
-                           "op.cerrado, COUNT(oppart.op), op.ocupado, op.usuario FROM op LEFT JOIN "
+                           "op.cerrado, COUNT(oppart.op), op.ocupado, op.usuario, (SELECT "
+                           "usuario FROM reclamos WHERE reclamos.op = op.op), (SELECT estacion "
+                           "FROM reclamos WHERE reclamos.op = op.op) FROM op LEFT JOIN "
                            "oppart ON oppart.op = op.op GROUP BY op.op, op.estado, op.f_emision, "
                            "op.almacen, op.observ, op.cerrado, op.ocupado, op.usuario ORDER BY "
                            "op.op"));
@@ -232,17 +237,23 @@ void VentanaPrincipal::actualiza()
             m_lista->setItem(fila, ColCerrado,
                              celda(q.value(5).toInt() != 0 ? QStringLiteral("Sí") : QString()));
             m_lista->setItem(fila, ColPartidas, celda(q.value(6).toString(), true));
-            // Who last saved a busy order is who holds it.
-            const QString titular = q.value(8).toString().trimmed();
-            m_lista->setItem(fila, ColOcupada,
-                             celda(q.value(7).toInt() == 0 ? QString()
-                                   : titular.isEmpty()     ? QStringLiteral("(sin usuario)")
-                                                           : titular));
+            // Whoever holds the order's claim; a mark with no claim names who last saved it.
+            const QString guardo = q.value(8).toString().trimmed();
+            const QString titular =
+                !q.value(9).isNull()
+                    ? QStringLiteral("%1 (estación %2)")
+                          .arg(q.value(9).toString().trimmed(), q.value(10).toString().trimmed())
+                : q.value(7).toInt() == 0 ? QString()
+                : guardo.isEmpty()        ? QStringLiteral("(sin usuario)")
+                                          : guardo;
+            m_lista->setItem(fila, ColOcupada, celda(titular));
         }
-    });
-    if (!ok)
+    } catch (...) {
+        causa = anfitrion::causaLegible(describeCurrentException());
+    }
+    if (!causa.isEmpty())
         statusBar()->showMessage(
-            QStringLiteral("No se pudo leer la lista de órdenes: %1").arg(QString()));
+            QStringLiteral("No se pudo leer la lista de órdenes: %1").arg(causa));
     if (elegida)
         seleccionaOrden(elegida);
     ajustaAcciones();
@@ -271,26 +282,14 @@ bool VentanaPrincipal::seleccionaOrden(qint32 op)
 
 void VentanaPrincipal::liberaOcupada()
 {
-    const qint32 op = ordenSeleccionada();
-    if (!op)
-        return;
-    const QList<QTableWidgetItem *> items = m_lista->selectedItems();
-    const QString titular = m_lista->item(items.first()->row(), ColOcupada)->text();
-    if (titular.isEmpty())
-        return;
-    if (!anfitrion::interaccion().pregunta(
-            QStringLiteral("La orden %1 está marcada como ocupada por %2.\n"
-                           "Libérela solo si %2 ya no la tiene abierta (por ejemplo, si su "
-                           "estación se cerró con la orden abierta). ¿Liberar la orden %1?")
-                .arg(op)
-                .arg(titular)))
-        return;
-    try {
-        anfitrion::ejecuta(m_sesion.conexion(),
-                           QStringLiteral("UPDATE op SET ocupado = 0 WHERE op = %1").arg(op));
-        statusBar()->showMessage(QStringLiteral("Orden %1 liberada.").arg(op), 8000);
-    } catch (...) {
-        muestraError(describeCurrentException());
+    if (const qint32 op = ordenSeleccionada()) {
+        try {
+            const QString hecho = anfitrion::liberaOrden(m_sesion.conexion(), op);
+            if (!hecho.isEmpty())
+                statusBar()->showMessage(hecho, 8000);
+        } catch (...) {
+            muestraError(describeCurrentException());
+        }
     }
     actualiza();
 }

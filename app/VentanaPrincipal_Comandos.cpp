@@ -8,6 +8,7 @@
 #include "app/DialogoKit.h"
 #include "app/Lotes.h"
 #include "contract/Identidad.h"
+#include "host/base/Reclamos.h"
 #include "host/base/Sesion.h"
 #include "host/interaccion/Interaccion.h"
 #include "host/reportes/Impresion.h"
@@ -62,8 +63,16 @@ void VentanaPrincipal::nueva()
 
 void VentanaPrincipal::modifica()
 {
-    if (const qint32 op = ordenSeleccionada())
-        llama("ModificaOp", op);
+    const qint32 op = ordenSeleccionada();
+    if (!op)
+        return;
+    try {
+        anfitrion::preparaApertura(m_sesion.conexion(), op);
+    } catch (...) {
+        muestraError(describeCurrentException());
+        return;
+    }
+    llama("ModificaOp", op);
 }
 
 void VentanaPrincipal::consulta()

@@ -42,6 +42,8 @@ const Derecho kDerechos[] = {
     {Rol::Captura, "oppart", "INSERT, UPDATE, DELETE"},
     {Rol::Captura, "folios", "INSERT, UPDATE"},
     {Rol::Captura, "fracciones", "INSERT, UPDATE, DELETE"},
+    // Whoever opens an order for change claims it and lets it go.
+    {Rol::Captura, "reclamos", "INSERT, UPDATE, DELETE"},
     {Rol::Produccion, "movimientos", "INSERT"},
     {Rol::Produccion, "existencias", "INSERT, UPDATE"},
     {Rol::Supervisor, "op", "UPDATE, DELETE"},
@@ -76,6 +78,7 @@ const std::pair<const char *, const char *> kNombresTablas[] = {
     {"conceptos", "los conceptos de inventario"},
     {"impuestos", "los impuestos"},
     {"versionbase", "la versión de la base de datos"},
+    {"reclamos", "las órdenes ocupadas"},
 };
 
 QString nombreTabla(const QString &tabla)

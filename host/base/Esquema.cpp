@@ -148,6 +148,15 @@ const Tabla kTablas[] = {
     {"impuestos", "impuesto @T(10) NOT NULL PRIMARY KEY,"
                   " descrip @T(60) DEFAULT '',"
                   " porcentaje DOUBLE NOT NULL DEFAULT 0"},
+    // Who holds an order (host/base/Reclamos.h): one row per order held.
+    {"reclamos", "op INT NOT NULL PRIMARY KEY,"
+                 " usuario @T(30) DEFAULT '',"
+                 " estacion @T(20) DEFAULT '',"
+                 " equipo @T(60) DEFAULT '',"
+                 " proceso BIGINT NOT NULL DEFAULT 0,"
+                 " conexion BIGINT NOT NULL DEFAULT 0,"
+                 " desde @T(19) NOT NULL,"
+                 " motivo @T(10) DEFAULT ''"},
     // The version of this schema the database holds (one row).
     {"versionbase", "clave SMALLINT NOT NULL PRIMARY KEY,"
                     " version INT NOT NULL"},

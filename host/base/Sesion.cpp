@@ -6,6 +6,7 @@
 #include "host/base/Rutas.h"
 #include "host/servicios/AmbienteAnfitrion.h"
 #include "host/sql/CausaError.h"
+#include "host/sql/Reconexion.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 #include "runtime/Text.h"
@@ -398,9 +399,7 @@ std::unique_ptr<Sesion> Sesion::abre(const Opciones &opciones, bool demo)
         // The module's statements come from a lenient server: an empty text
         // where a number goes reads as 0 instead of failing. A backslash
         // between quotes is a backslash, as on SQLite.
-        preparaConexion(db,
-                        QStringLiteral("SET SESSION sql_mode = "
-                                       "'NO_ENGINE_SUBSTITUTION,NO_BACKSLASH_ESCAPES'"),
+        preparaConexion(db, kModoSesionMariaDB,
                         QStringLiteral("No se pudo preparar la sesión de MariaDB"));
         // Who saves is the account the server let in, not a name typed.
         s->d->opciones.usuario = id.cuenta;

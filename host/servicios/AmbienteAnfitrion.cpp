@@ -1,5 +1,6 @@
 #include "host/servicios/AmbienteAnfitrion.h"
 
+#include "host/base/Reclamos.h"
 #include "host/servicios/ClavesSentencia.h"
 
 #include "host/sql/Sql.h"
@@ -7,6 +8,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QRegularExpression>
 
 namespace zuvi::anfitrion {
 
@@ -43,6 +45,12 @@ AmbienteAnfitrion::AmbienteAnfitrion(const QSqlDatabase &conexion, const Opcione
     : zuvi::Ambiente(parent), m_conexion(conexion), m_opciones(opciones), m_motor(motor)
 {
     setObjectName(QStringLiteral("Ambiente"));
+    ponIdentidad(m_conexion, m_opciones.usuario, m_opciones.estacion);
+}
+
+AmbienteAnfitrion::~AmbienteAnfitrion()
+{
+    quitaIdentidad(m_conexion);
 }
 
 QSqlDatabase AmbienteAnfitrion::Conexion() const
@@ -68,6 +76,14 @@ QString AmbienteAnfitrion::RutaAplicacion() const
 QVariant AmbienteAnfitrion::EjecutaSQL(const QString &sql)
 {
     compruebaClaveEnSentencia(sql);
+    // An editor that closes clears the busy mark only when the order is its own.
+    static const QRegularExpression libera(
+        QStringLiteral(
+            "^\\s*UPDATE\\s+op\\s+SET\\s+ocupado\\s*=\\s*0\\s+WHERE\\s+op\\s*=\\s*(\\d+)\\s*$"),
+        QRegularExpression::CaseInsensitiveOption);
+    if (const QRegularExpressionMatch m = libera.match(sql); m.hasMatch())
+        if (!suelta(m_conexion, m.captured(1).toInt()))
+            return 0;
     return ejecutaAccion(m_conexion, sql).filas;
 }
 

@@ -30,6 +30,7 @@ class AmbienteAnfitrion : public zuvi::Ambiente
 public:
     AmbienteAnfitrion(const QSqlDatabase &conexion, const Opciones &opciones, Motor motor,
                       QObject *parent = nullptr);
+    ~AmbienteAnfitrion() override;
 
     QSqlDatabase Conexion() const override;
     QString UsuarioActual() const override;

@@ -1,7 +1,10 @@
 #include "host/servicios/ConstructorSqlAnfitrion.h"
 
+#include "host/base/Reclamos.h"
+#include "host/interaccion/Interaccion.h"
 #include "host/servicios/CantidadPartida.h"
 #include "host/servicios/ClavesSentencia.h"
+#include "host/servicios/Comprobaciones.h"
 #include "host/sql/Sql.h"
 #include "runtime/Error.h"
 
@@ -57,6 +60,14 @@ QVariant valorParaEnlazar(const QVariant &original, bool sqlite)
     default:
         return v;
     }
+}
+
+// The order a condition names alone ("Op = 12"), or 0.
+qint32 ordenDeCondicion(const QString &condicion)
+{
+    static const QRegularExpression patron(QStringLiteral("^\\s*op\\s*=\\s*(\\d+)\\s*$"),
+                                           QRegularExpression::CaseInsensitiveOption);
+    return patron.match(condicion).captured(1).toInt();
 }
 
 } // namespace
@@ -198,6 +209,13 @@ void ConstructorSqlAnfitrion::Ejecuta()
             c.columna.compare(QLatin1String("cantidad"), Qt::CaseInsensitive) == 0 &&
             rechazaCantidadPartida(m_conexion, m_tipo, c.valor, m_condicion))
             return;
+    const MarcaOcupada marca = marcaOcupada();
+    if (marca.op && m_tipo == QLatin1String("UPDATE")) {
+        if (marca.ocupada)
+            reclamaParaEditar(marca.op);
+        else if (!suelta(m_conexion, marca.op) && m_campos.size() == 1)
+            return; // the order is another's now: its mark stays
+    }
     if (m_tipo == QLatin1String("INSERT")) {
         QStringList columnas;
         for (const Campo &c : std::as_const(m_campos))
@@ -207,6 +225,48 @@ void ConstructorSqlAnfitrion::Ejecuta()
         compruebaClaveEnSentencia(m_sentencia);
     }
     ejecutaAccion(m_conexion, m_sentencia, m_valores, m_texto);
+    if (marca.op && marca.ocupada && m_tipo == QLatin1String("INSERT"))
+        reclamaParaEditar(marca.op);
+}
+
+// Marking an order busy is where an editor takes it: the mark alone, read
+// and then set, would let two stations in.
+ConstructorSqlAnfitrion::MarcaOcupada ConstructorSqlAnfitrion::marcaOcupada() const
+{
+    MarcaOcupada marca;
+    if (m_tabla.compare(QLatin1String("op"), Qt::CaseInsensitive) != 0)
+        return marca;
+    const Campo *ocupado = nullptr;
+    for (const Campo &c : std::as_const(m_campos)) {
+        if (c.columna.compare(QLatin1String("ocupado"), Qt::CaseInsensitive) == 0)
+            ocupado = &c;
+        else if (m_tipo == QLatin1String("INSERT") &&
+                 c.columna.compare(QLatin1String("op"), Qt::CaseInsensitive) == 0)
+            marca.op = valorSimple(c.valor).toInt();
+    }
+    if (!ocupado)
+        return MarcaOcupada();
+    if (m_tipo == QLatin1String("UPDATE"))
+        marca.op = ordenDeCondicion(m_condicion);
+    marca.ocupada = valorSimple(ocupado->valor).toInt() != 0;
+    return marca;
+}
+
+void ConstructorSqlAnfitrion::reclamaParaEditar(qint32 op)
+{
+    try {
+        const Reclamo r = reclama(m_conexion, op, kReclamoEdicion);
+        if (!r.aviso.isEmpty())
+            interaccion().mensaje(r.aviso, 64);
+    } catch (const Rechazo &e) {
+        // The editor that asked is discarded without a word of its own.
+        interaccion().mensaje(e.description(), 48);
+        throw;
+    } catch (const Error &e) {
+        // A database that cannot be written (another program holds it) says so too.
+        interaccion().mensaje(e.description(), 16);
+        throw;
+    }
 }
 
 } // namespace zuvi::anfitrion

@@ -62,6 +62,13 @@ private:
     };
 
     void invalida() { m_generado = false; }
+    struct MarcaOcupada
+    {
+        qint32 op = 0; // the order whose busy mark the statement sets, or 0
+        bool ocupada = false;
+    };
+    MarcaOcupada marcaOcupada() const;
+    void reclamaParaEditar(qint32 op);
 
     QSqlDatabase m_conexion;
     bool m_hayConexion = false;

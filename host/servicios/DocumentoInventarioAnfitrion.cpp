@@ -27,6 +27,21 @@ const QString kExistenciasMariaDB =
 
 } // namespace
 
+DocumentoInventarioAnfitrion::~DocumentoInventarioAnfitrion()
+{
+    descartaTanda();
+}
+
+bool DocumentoInventarioAnfitrion::descartaTanda()
+{
+    m_tanda = Tanda();
+    m_externas.clear();
+    if (!m_transaccion)
+        return false;
+    m_transaccion.reset(); // rolls back
+    return true;
+}
+
 void DocumentoInventarioAnfitrion::PonAmbiente(Ambiente *ambiente)
 {
     m_ambiente = ambiente;
@@ -118,13 +133,25 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
     const double cambio = tipo == QLatin1String("E") ? m_cantidad : -m_cantidad;
     const bool lite = motorDe(db) == Motor::SQLite;
 
-    // The row and the stock go together or not at all. A caller that already
-    // holds a transaction keeps it; this posting then joins it.
-    Transaccion transaccion(db);
-    const QVariant id = ejecutaAccion(db, kInserta, fila).ultimoId;
-    ejecutaAccion(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
-                  {m_articulo, almacen, cambio});
-    transaccion.confirma();
+    // The row and the stock, and every movement of the batch, go together or
+    // not at all. A caller that already holds a transaction keeps it; the
+    // batch then joins it.
+    if (!m_transaccion)
+        m_transaccion = std::make_unique<Transaccion>(db);
+    QVariant id;
+    try {
+        id = ejecutaAccion(db, kInserta, fila).ultimoId;
+        ejecutaAccion(db, lite ? kExistenciasSQLite : kExistenciasMariaDB,
+                      {m_articulo, almacen, cambio});
+    } catch (const Error &e) {
+        const bool aMedias = !m_tanda.tipo.isEmpty(); // movements of it came before
+        descartaTanda();
+        if (!aMedias)
+            throw;
+        throw Error(e.description() + QStringLiteral(" Los movimientos anteriores de este kit "
+                                                     "se deshicieron: no quedó a medias."),
+                    e.number());
+    }
     numero = id.isValid() ? id.toInt() : 0;
     // Only what was posted counts toward the batch.
     if (m_tanda.tipo.isEmpty() || m_tanda.tipo == tipo) {
@@ -132,6 +159,11 @@ double DocumentoInventarioAnfitrion::AplicaMovimiento(qint32 &numero)
         m_tanda.valor += importe;
     } else {
         m_tanda = m_externas.isEmpty() ? Tanda() : m_externas.takeLast();
+        if (m_tanda.tipo.isEmpty()) {
+            // The outermost batch is closed by its kit.
+            const std::unique_ptr<Transaccion> transaccion = std::move(m_transaccion);
+            transaccion->confirma();
+        }
     }
     return importe;
 }

@@ -14,14 +14,22 @@
 // cantidad. So what enters is worth what leaves. A batch opened inside
 // another (a kit taken apart while its parent is) is closed by its own kit
 // and the outer one goes on.
+//
+// A batch is posted whole or not at all: one transaction from its first
+// movement to the kit that closes it. A movement that fails undoes the
+// movements of its batch before them; a batch left without its kit (the
+// caller stopped halfway) is undone by descartaTanda, or when the document
+// goes. So a lost server or a full disk never leaves half a kit line.
 
 #include "contract/Servicios.h"
+#include "host/sql/Sql.h"
 
 #include <QDate>
 #include <QList>
 #include <QPointer>
 #include <QVariant>
 
+#include <memory>
 #include <utility>
 
 namespace zuvi::anfitrion {
@@ -31,6 +39,7 @@ class DocumentoInventarioAnfitrion : public zuvi::DocumentoInventario
     Q_OBJECT
 public:
     using zuvi::DocumentoInventario::DocumentoInventario;
+    ~DocumentoInventarioAnfitrion() override;
 
     void PonAmbiente(Ambiente *ambiente) override;
     void PonDatoDocumento(const QVariant &dato) override;
@@ -48,6 +57,9 @@ public:
     // Leaves the new movement's id in numero; returns its importe.
     double AplicaMovimiento(qint32 &numero) override;
 
+    // Undoes a batch begun and not closed by its kit; true when there was one.
+    bool descartaTanda();
+
     // The origin values kept with the document (not posted).
     QVariant datoDocumento() const { return m_datoDocumento; }
     qint32 datoFecha() const { return m_datoFecha; }
@@ -63,6 +75,7 @@ private:
     std::pair<double, double> valora(const QString &tipo);
 
     Tanda m_tanda;
+    std::unique_ptr<Transaccion> m_transaccion; // of the batch under way
     QList<Tanda> m_externas;
     QPointer<Ambiente> m_ambiente;
     QVariant m_datoDocumento;

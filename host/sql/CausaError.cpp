@@ -114,4 +114,13 @@ QString causaDeFallo(const QString &texto, int codigo)
     return QStringLiteral("el motor de base de datos respondió: %1").arg(eco(texto, 200));
 }
 
+QString causaLegible(const QString &descripcion)
+{
+    static const QRegularExpression sentencia(
+        QStringLiteral("^Error de base de datos: (.*) \\[.*\\]$"),
+        QRegularExpression::DotMatchesEverythingOption);
+    const QRegularExpressionMatch m = sentencia.match(descripcion);
+    return m.hasMatch() ? m.captured(1) : descripcion;
+}
+
 } // namespace zuvi::anfitrion

@@ -17,6 +17,10 @@ QString causaDeFallo(const QString &texto, int codigo);
 // text too long for its column) means, in Spanish; empty when the text is
 // not one. The checks are the schema's (host/base/Esquema.h): a session hands
 // in their explanation when it opens, and causaDeFallo asks it first.
+// The cause alone of a failure the statement path described, without the
+// statement it ran: what a person reads where a list could not be read.
+QString causaLegible(const QString &descripcion);
+
 using ExplicaRestriccion = QString (*)(const QString &texto);
 void ponExplicaRestriccion(ExplicaRestriccion explica);
 

@@ -2,6 +2,7 @@
 
 #include "host/sql/CausaError.h"
 #include "host/sql/Motor.h"
+#include "host/sql/Reconexion.h"
 #include "host/sql/SqlInterno.h"
 #include "runtime/Error.h"
 
@@ -49,9 +50,35 @@ FalloSql falloDe(const QSqlError &e)
         f.codigo);
 }
 
-[[noreturn]] void falla(const QSqlError &e, const QString &sql)
+// A failure of a statement on a connection: a lost one is marked, so that
+// the next statement reconnects, and said so in the person's words.
+[[noreturn]] void fallaEn(const QSqlDatabase &db, const FalloSql &f, const QString &sql)
 {
-    lanza(falloDe(e), sql);
+    if (motorDe(db) == Motor::MariaDB && esConexionPerdida(f.texto, f.codigo)) {
+        marcaPerdida(db);
+        throw ConexionPerdida(textoConexionPerdida(), f.codigo);
+    }
+    lanza(f, sql);
+}
+
+// Runs f on the connection, reconnected first when it was lost; a read that
+// finds it lost runs once more on the new connection, a write never does.
+template <typename F> auto conReconexion(const QSqlDatabase &db, bool lectura, F &&f)
+{
+    reconectaSiHaceFalta(db, olvidaSentencias);
+    try {
+        return f();
+    } catch (const ConexionPerdida &) {
+        if (!lectura)
+            throw;
+    }
+    reconectaSiHaceFalta(db, olvidaSentencias);
+    return f();
+}
+
+bool esLectura(const QString &sql)
+{
+    return sql.trimmed().startsWith(QLatin1String("SELECT"), Qt::CaseInsensitive);
 }
 
 void exigeAbierta(const QSqlDatabase &db)
@@ -68,7 +95,7 @@ QSqlQuery prepara(const QSqlDatabase &db, const QString &sql)
     QSqlQuery q(db);
     q.setForwardOnly(true);
     if (!q.prepare(sql))
-        falla(q.lastError(), sql);
+        fallaEn(db, falloDe(q.lastError()), sql);
     return q;
 }
 
@@ -320,12 +347,12 @@ void ejecutaPreparada(const QSqlDatabase &db, const QString &sql, const QVariant
     FalloSql fallo;
     const auto e = preparada(db, p, texto, normalizada ? nullptr : &sql, fallo);
     if (e == p.orden.end())
-        lanza(fallo, textoDe(db, sql, valores, textoTraza));
+        fallaEn(db, fallo, textoDe(db, sql, valores, textoTraza));
     SentenciaPreparada &s = *e->sentencia;
     if (normalizada ? !s.ejecutaLiterales(n.literales, filas, accion, fallo)
                     : !s.ejecuta(valores, filas, accion, fallo)) {
         p.quita(e);
-        lanza(fallo, textoDe(db, sql, valores, textoTraza));
+        fallaEn(db, fallo, textoDe(db, sql, valores, textoTraza));
     }
 }
 
@@ -368,17 +395,21 @@ bool esSQLite(const QSqlDatabase &db)
 RecordsetPtr consulta(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                       const QString &textoTraza)
 {
-    RecordsetPtr filas;
-    ejecutaPreparada(db, sql, valores, textoTraza, &filas, nullptr);
-    return filas;
+    return conReconexion(db, true, [&] {
+        RecordsetPtr filas;
+        ejecutaPreparada(db, sql, valores, textoTraza, &filas, nullptr);
+        return filas;
+    });
 }
 
 ResultadoAccion ejecutaAccion(const QSqlDatabase &db, const QString &sql,
                               const QVariantList &valores, const QString &textoTraza)
 {
-    ResultadoAccion r;
-    ejecutaPreparada(db, sql, valores, textoTraza, nullptr, &r);
-    return r;
+    return conReconexion(db, false, [&] {
+        ResultadoAccion r;
+        ejecutaPreparada(db, sql, valores, textoTraza, nullptr, &r);
+        return r;
+    });
 }
 
 void olvidaSentencias(const QSqlDatabase &db)
@@ -445,22 +476,26 @@ void Transaccion::confirma()
 QSqlQuery ejecuta(const QSqlDatabase &db, const QString &sql)
 {
     traza(sql);
-    QSqlQuery q = prepara(db, sql);
-    if (!q.exec())
-        falla(q.lastError(), sql);
-    return q;
+    return conReconexion(db, esLectura(sql), [&] {
+        QSqlQuery q = prepara(db, sql);
+        if (!q.exec())
+            fallaEn(db, falloDe(q.lastError()), sql);
+        return q;
+    });
 }
 
 QSqlQuery ejecutaConValores(const QSqlDatabase &db, const QString &sql, const QVariantList &valores,
                             const QString &textoTraza)
 {
     trazaSentencia(db, sql, valores, textoTraza);
-    QSqlQuery q = prepara(db, sql);
-    for (int i = 0; i < valores.size(); ++i)
-        q.bindValue(i, valores.at(i));
-    if (!q.exec())
-        falla(q.lastError(), textoDe(db, sql, valores, textoTraza));
-    return q;
+    return conReconexion(db, esLectura(sql), [&] {
+        QSqlQuery q = prepara(db, sql);
+        for (int i = 0; i < valores.size(); ++i)
+            q.bindValue(i, valores.at(i));
+        if (!q.exec())
+            fallaEn(db, falloDe(q.lastError()), textoDe(db, sql, valores, textoTraza));
+        return q;
+    });
 }
 
 void ponTraza(const QString &archivo)

@@ -8,6 +8,7 @@
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/Corrida.h"
 #include "tests/support/InteraccionGuionada.h"
+#include "tests/support/Ventanas.h"
 
 #include <QSqlError>
 #include <QSqlQuery>
@@ -188,6 +189,51 @@ private slots:
         c = pruebas::corre({"--base", base.url(), "entrega", "9", "--si"});
         QVERIFY2(c.codigo == 0 && c.salida.contains("entregado"), c.dice());
         QCOMPARE(base.escalar(kEntradas).toInt(), 6);
+    }
+
+    // A movement refused halfway through a kit line undoes the line's earlier
+    // movements: no line is left half posted.
+    void lineaEnteraONada()
+    {
+        BaseDePrueba base;
+        creaOrden(base, 3);
+        QVERIFY(pruebas::fallaAl(base, "INSERT", "movimientos", "NEW.articulo = 'TUER-01'"));
+        auto guion = pruebas::InteraccionGuionada::instala();
+        auto produccion = app::creaProduccion(base.ambiente());
+        const app::Desenlace d =
+            app::llamaMiembro(produccion.get(), base.conexion(), "EntregaProductoTerminado", {9});
+        QVERIFY2(d.resumen.contains("3 de 3 líneas"), qPrintable(d.resumen));
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), 0);
+    }
+
+    // Two stations deliver one order at the same instant, round after round
+    // (20, or ZUVI_VUELTAS when more): the order is delivered once each
+    // time; the other is refused or asked.
+    void dosEntregasALaVez()
+    {
+        BaseDePrueba base;
+        creaOrden(base, 40);
+        base.ejecuta("UPDATE estaciones SET existencianegativa = 1");
+        int cruzadas = 0;
+        const int vueltas = qMax(20, qEnvironmentVariableIntValue("ZUVI_VUELTAS"));
+        for (int vuelta = 0; vuelta < vueltas; ++vuelta) {
+            base.ejecuta("DELETE FROM movimientos WHERE orden = 9");
+            QProcess estaciones[2];
+            for (QProcess &p : estaciones) {
+                p.start(ZUVI_BIN_DIR "/zuvi-produccion", {"--base", base.url(), "entrega", "9"});
+                p.closeWriteChannel();
+            }
+            QStringList dicen;
+            for (QProcess &p : estaciones) {
+                QVERIFY(p.waitForFinished(300000));
+                dicen << QString::number(p.exitCode()) + ' ' + p.readAllStandardError();
+            }
+            QCOMPARE(base.escalar(kEntradas).toInt(), 40);
+            QVERIFY2(dicen.filter(QRegularExpression("^0 ")).size() == 1,
+                     qPrintable(dicen.join('\n')));
+            cruzadas += dicen.filter("está ocupada").size();
+        }
+        qInfo("%d de %d vueltas se cruzaron", cruzadas, vueltas);
     }
 
     // A server of its own, killed while a 3,000-line order is being delivered, then started

@@ -118,8 +118,11 @@ private Q_SLOTS:
         });
         // Order 1, warehouse 3: 10 SOPORTE and 2 REPISA (none in stock yet).
         p->EntregaProductoTerminado(1);
+        // A MariaDB session that is gone is opened again by the next read: the delivery goes
+        // on. A closed connection stops the line.
+        const bool falla = pierde && !BaseDePrueba::enMariaDB();
         const QStringList &vistos = reportes->textos;
-        QVERIFY(vistos.size() == int(pierde) && vistos.filter("Function: Ensamble") == vistos);
+        QVERIFY(vistos.size() == int(falla) && vistos.filter("Function: Ensamble") == vistos);
 
         // A fresh connection sees what was posted; the lines count as delivered only if all were.
         const auto otra = anfitrion::Sesion::abre({.base = base->url()}, false);
@@ -127,10 +130,10 @@ private Q_SLOTS:
                           "E # 3 SOPORTE 10 15.2", "S # 1 TAB-01 2 45",    "S # 3 SOPORTE 4 15.2",
                           "S # 1 PINT-01 0.5 80",  "E # 3 REPISA 2 95.4"};
         todos.replaceInStrings("#", "OP 1 45429");
-        QCOMPARE(filas(otra->conexion(), kMovimientos), pierde ? todos.mid(0, 4) : todos);
+        QCOMPARE(filas(otra->conexion(), kMovimientos), falla ? todos.mid(0, 4) : todos);
         QCOMPARE(filas(otra->conexion(), "SELECT op, terminado FROM oppart ORDER BY id_entrada"),
-                 QStringList({pierde ? "1 0" : "1 10", pierde ? "1 0" : "1 2", "2 5"}));
-        if (pierde)
+                 QStringList({falla ? "1 0" : "1 10", falla ? "1 0" : "1 2", "2 5"}));
+        if (falla)
             return;
         QCOMPARE(existencias(), QString("REPISA 3 2, SOPORTE 3 18, TORN-01 1 4960"));
         QStringList progreso;

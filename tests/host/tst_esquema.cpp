@@ -204,11 +204,23 @@ private Q_SLOTS:
             QSKIP("Sólo con un servidor MariaDB.");
         BaseDePrueba base(false);
         auto otra = anfitrion::Sesion::abre({.base = base.url()}, false);
-        const QString id = base.escalar("SELECT CONNECTION_ID()").toString();
-        QVERIFY(QSqlQuery(otra->conexion()).exec("KILL " + id));
-        const QString error = falla([&] { base.ejecuta("SELECT COUNT(*) FROM op"); });
-        QVERIFY2(error.contains("se perdió la conexión con el servidor MariaDB"),
+        const auto corta = [&] {
+            const QString id = base.escalar("SELECT CONNECTION_ID()").toString();
+            QVERIFY(QSqlQuery(otra->conexion()).exec("KILL " + id));
+        };
+        // A write says it was not saved and is not run again; the next
+        // statement reconnects, with the session's settings.
+        corta();
+        const QString error =
+            falla([&] { base.ejecuta("INSERT INTO almacen (almacen, nombre) VALUES (9, 'x')"); });
+        QVERIFY2(error.contains("Se perdió la conexión con el servidor MariaDB: lo último que "
+                                "hizo no se guardó"),
                  qPrintable(error));
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM almacen WHERE almacen = 9").toInt(), 0);
+        QVERIFY(base.escalar("SELECT @@SESSION.sql_mode").toString().contains("NO_BACKSLASH"));
+        // A read that finds the session gone is read again.
+        corta();
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM almacen WHERE almacen = 9").toInt(), 0);
     }
 
     // A database of the first version (no version row, no checks) is brought up to date on

@@ -13,6 +13,7 @@
 #include <QPointer>
 #include <QProgressDialog>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QStringList>
 #include <QVBoxLayout>
 
@@ -344,9 +345,15 @@ void ponInteraccion(std::shared_ptr<Interaccion> nueva)
         std::lock_guard<std::mutex> g(cerrojo());
         actual() = std::move(nueva);
     }
-    // The component's error reports take the same way out as every message.
-    setReportSink(
-        [](const QString &titulo, const QString &texto) { interaccion().reporte(titulo, texto); });
+    // The component's error reports take the same way out as every message,
+    // without the statement a database error carries for the trace: the person
+    // reads the cause.
+    setReportSink([](const QString &titulo, const QString &texto) {
+        static const QRegularExpression sentencia(
+            QStringLiteral("(Description: Error de base de datos: .*?) \\[.*\\]$"),
+            QRegularExpression::DotMatchesEverythingOption);
+        interaccion().reporte(titulo, QString(texto).replace(sentencia, QStringLiteral("\\1")));
+    });
 }
 
 LoteDeReportes::LoteDeReportes() : m_anterior(reportSink())

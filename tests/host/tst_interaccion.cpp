@@ -1,6 +1,7 @@
 // The interaction seam: the terminal of the command line and the desktop shell's dialogs.
 
 #include "host/interaccion/Interaccion.h"
+#include "tests/support/InteraccionGuionada.h"
 
 #include <QLineEdit>
 #include <QtTest>
@@ -101,6 +102,17 @@ private slots:
         QVERIFY(textos.contains("Orden 120") && textos.contains("Artículo KIT-01"));
         p->cierra();
         QTRY_VERIFY(!dialogo || !dialogo->isVisible());
+    }
+
+    // A report shows a database error's cause, not the statement it carries for the trace.
+    void reporteSinSentencia()
+    {
+        auto guion = zuvi::pruebas::InteraccionGuionada::instala();
+        const QString inicio = QStringLiteral("Error occured:\r\nModule: frmOp\r\nFunction: "
+                                              "Guarda\r\nDescription: Error de base de datos: ");
+        zuvi::reportSink()(QStringLiteral("ZuviProduccion"),
+                           inicio + "ya existe [INSERT INTO op (op) VALUES (1)]");
+        QCOMPARE(guion->reportes(), QStringList{inicio + "ya existe"});
     }
 
     // What a scanner types while a message is shown, before and after the box has the focus,

@@ -4,7 +4,9 @@
 
 #include <QRegularExpression>
 
+#include <algorithm>
 #include <atomic>
+#include <vector>
 
 namespace zuvi::anfitrion {
 
@@ -35,6 +37,74 @@ void ponExplicaRestriccion(ExplicaRestriccion explica)
     explicaRestriccion.store(explica);
 }
 
+namespace {
+
+// Faults known by a fragment of the engine's text or by its code.
+struct Conocido
+{
+    std::vector<const char *> fragmentos;
+    std::vector<int> codigos;
+    const char *mensaje;
+};
+const Conocido kConocidos[] = {
+    {{"database or disk is full", "Disk full", "is full"},
+     {1021, 1114},
+     "el disco está lleno (o la base de datos llegó a su tamaño máximo); libere espacio y "
+     "vuelva a intentarlo"},
+    {{"readonly database", "read only", "read-only"},
+     {1036, 1290},
+     "la base de datos es de sólo lectura: el archivo o su carpeta no admiten escritura"},
+    {{"database is locked", "table is locked", "Lock wait timeout", "Deadlock"},
+     {},
+     "la base de datos está bloqueada por otro programa que escribe en ella; intente de nuevo "
+     "en un momento"},
+    {{"gone away", "Lost connection"},
+     {2006, 2013},
+     "se perdió la conexión con el servidor MariaDB"},
+    {{"Can't connect"},
+     {2002, 2003},
+     "el servidor MariaDB no acepta la conexión: no está en marcha o el servidor o el puerto no "
+     "son esos"},
+    {{"Unknown server host", "Unknown MySQL server host"},
+     {2005},
+     "no se encuentra el servidor MariaDB con ese nombre"},
+    {{"Access denied"}, {1045}, "el servidor MariaDB rechazó el usuario o la clave"},
+    {{"Unknown database"}, {1049}, "la base de datos no existe en el servidor"},
+    {{"unable to open database file"},
+     {},
+     "no se puede abrir el archivo de la base de datos (revise que la carpeta exista y admita "
+     "escritura)"},
+    {{"file is not a database"}, {}, "el archivo no es una base de datos SQLite"},
+    {{"malformed"}, {}, "el archivo de la base de datos está dañado"},
+    {{"disk I/O error"}, {}, "falló la lectura o la escritura en el disco"},
+    {{"carácter nulo"},
+     {},
+     "el texto de la sentencia lleva un carácter nulo; se rechaza entero para que no corra sólo "
+     "una parte"},
+    {{"multiple statements"},
+     {},
+     "el texto lleva más de una sentencia SQL; se ejecuta una sola a la vez"},
+};
+
+// Faults that name what they refer to: SQLite's wording, then MariaDB's.
+struct ConNombre
+{
+    const char *sqlite, *mariadb, *mensaje;
+};
+const ConNombre kConNombre[] = {
+    {"UNIQUE constraint failed: *([\\w.]+)", "Duplicate entry '.*' for key '([^']*)'",
+     "ya existe un registro con esa clave (%1)"},
+    {"NOT NULL constraint failed: *([\\w.]+)", "Column '([^']*)' cannot be null",
+     "falta el valor de la columna %1, que es obligatorio"},
+    {"$^", "Data too long for column '([^']*)'", "el texto es demasiado largo para la columna %1"},
+    {"no such table: *(\\S+)", "Table '([^']*)' doesn't exist", "no existe la tabla %1"},
+    {"no such column: *(\\S+)", "Unknown column '([^']*)'", "no existe la columna %1"},
+    {"near \"([^\"]*)\": syntax error", "SQL syntax.*near '(.*)' at line",
+     "la sentencia está mal escrita, cerca de \"%1\""},
+};
+
+} // namespace
+
 QString causaDeFallo(const QString &texto, int codigo)
 {
     if (const ExplicaRestriccion explica = explicaRestriccion.load()) {
@@ -42,66 +112,17 @@ QString causaDeFallo(const QString &texto, int codigo)
         if (!restriccion.isEmpty())
             return restriccion;
     }
-    // SQLite's primary code is the low byte of its extended one; MariaDB's
-    // numbers start at 1000, so the texts tell the engines apart first.
-    const int sqlite = codigo & 0xff;
-    if (dice(texto, "database or disk is full") || dice(texto, "Disk full") ||
-        dice(texto, "is full") || codigo == 1021 || codigo == 1114)
-        return QStringLiteral("el disco está lleno (o la base de datos llegó a su tamaño "
-                              "máximo); libere espacio y vuelva a intentarlo");
-    if (dice(texto, "readonly database") || dice(texto, "read only") || dice(texto, "read-only") ||
-        codigo == 1036 || codigo == 1290)
-        return QStringLiteral("la base de datos es de sólo lectura: el archivo o su carpeta no "
-                              "admiten escritura");
-    if (dice(texto, "database is locked") || dice(texto, "table is locked") ||
-        dice(texto, "Lock wait timeout") || dice(texto, "Deadlock"))
-        return QStringLiteral("la base de datos está bloqueada por otro programa que escribe en "
-                              "ella; intente de nuevo en un momento");
-    if (dice(texto, "gone away") || dice(texto, "Lost connection") || codigo == 2006 ||
-        codigo == 2013)
-        return QStringLiteral("se perdió la conexión con el servidor MariaDB");
-    if (dice(texto, "Can't connect") || codigo == 2002 || codigo == 2003)
-        return QStringLiteral("el servidor MariaDB no acepta la conexión: no está en marcha o "
-                              "el servidor o el puerto no son esos");
-    if (dice(texto, "Unknown server host") || dice(texto, "Unknown MySQL server host") ||
-        codigo == 2005)
-        return QStringLiteral("no se encuentra el servidor MariaDB con ese nombre");
-    if (dice(texto, "Access denied") || codigo == 1045)
-        return QStringLiteral("el servidor MariaDB rechazó el usuario o la clave");
-    if (dice(texto, "Unknown database") || codigo == 1049)
-        return QStringLiteral("la base de datos no existe en el servidor");
-    if (dice(texto, "unable to open database file"))
-        return QStringLiteral("no se puede abrir el archivo de la base de datos (revise que la "
-                              "carpeta exista y admita escritura)");
-    if (dice(texto, "file is not a database"))
-        return QStringLiteral("el archivo no es una base de datos SQLite");
-    if (dice(texto, "malformed"))
-        return QStringLiteral("el archivo de la base de datos está dañado");
-    if (dice(texto, "disk I/O error"))
-        return QStringLiteral("falló la lectura o la escritura en el disco");
-    if (dice(texto, "carácter nulo"))
-        return QStringLiteral("el texto de la sentencia lleva un carácter nulo; se rechaza "
-                              "entero para que no corra sólo una parte");
-    if (dice(texto, "multiple statements") || (sqlite == 21 && dice(texto, "not an error")))
-        return QStringLiteral("el texto lleva más de una sentencia SQL; se ejecuta una sola a "
-                              "la vez");
-    // Faults that name what they refer to: SQLite's wording, then MariaDB's.
-    struct ConNombre
-    {
-        const char *sqlite, *mariadb, *mensaje;
-    };
-    static const ConNombre kConNombre[] = {
-        {"UNIQUE constraint failed: *([\\w.]+)", "Duplicate entry '.*' for key '([^']*)'",
-         "ya existe un registro con esa clave (%1)"},
-        {"NOT NULL constraint failed: *([\\w.]+)", "Column '([^']*)' cannot be null",
-         "falta el valor de la columna %1, que es obligatorio"},
-        {"$^", "Data too long for column '([^']*)'",
-         "el texto es demasiado largo para la columna %1"},
-        {"no such table: *(\\S+)", "Table '([^']*)' doesn't exist", "no existe la tabla %1"},
-        {"no such column: *(\\S+)", "Unknown column '([^']*)'", "no existe la columna %1"},
-        {"near \"([^\"]*)\": syntax error", "SQL syntax.*near '(.*)' at line",
-         "la sentencia está mal escrita, cerca de \"%1\""},
-    };
+    // SQLite says "not an error" (primary code 21, the low byte of the
+    // extended one) when it stops after the first of several statements.
+    const QString dicho = (codigo & 0xff) == 21 && dice(texto, "not an error")
+                              ? QStringLiteral("multiple statements")
+                              : texto;
+    for (const Conocido &c : kConocidos) {
+        const bool porTexto = std::any_of(c.fragmentos.begin(), c.fragmentos.end(),
+                                          [&](const char *f) { return dice(dicho, f); });
+        if (porTexto || std::find(c.codigos.begin(), c.codigos.end(), codigo) != c.codigos.end())
+            return QString::fromUtf8(c.mensaje);
+    }
     for (const ConNombre &c : kConNombre) {
         QString que = extrae(texto, c.sqlite);
         if (que.isEmpty())

@@ -37,6 +37,7 @@
 #include <QLineEdit>
 #include <QMap>
 #include <QProcess>
+#include <QTableView>
 #include <QTimer>
 
 #include <sqlite3.h>
@@ -113,9 +114,9 @@ private:
     sqlite3_stmt *m_st = nullptr;
 };
 
-const char *const kPalabras[] = {"Tornillo", "Ménsula",  "Repisa",  "Bisagra",  "Tuerca",
-                                 "Arandela", "Escuadra", "Jaladera", "Riel",     "Perfil",
-                                 "acero",    "latón",    "aluminio", "pintado",  "galvanizado",
+const char *const kPalabras[] = {"Tornillo", "Ménsula",  "Repisa",   "Bisagra",   "Tuerca",
+                                 "Arandela", "Escuadra", "Jaladera", "Riel",      "Perfil",
+                                 "acero",    "latón",    "aluminio", "pintado",   "galvanizado",
                                  "cromado",  "negro",    "café",     "reforzado", "ligero"};
 
 QByteArray descripcion(long long i)
@@ -144,8 +145,9 @@ void construye(const QString &ruta, const Tamanos &t)
     sql(db, "PRAGMA synchronous = OFF");
     sql(db, "BEGIN");
     {
-        Insercion op(db, "INSERT INTO op (op, estado, f_emision, almacen, observ, cerrado, usuario, "
-                         "importe) VALUES (?, ?, ?, 1, ?, ?, 'ADMIN', ?)");
+        Insercion op(db,
+                     "INSERT INTO op (op, estado, f_emision, almacen, observ, cerrado, usuario, "
+                     "importe) VALUES (?, ?, ?, 1, ?, ?, 'ADMIN', ?)");
         Insercion linea(db, "INSERT INTO oppart (id_entrada, op, articulo, cantidad, precio, "
                             "terminado, partida) VALUES (?, ?, ?, ?, 10, ?, ?)");
         const QDate hoy(2026, 11, 1);
@@ -259,7 +261,10 @@ Medida principal(const QString &ruta, bool refresco)
     if (!refresco)
         return m;
     // The order an editor had open is the one selected.
-    ventana->seleccionaOrden(ventana->ordenSeleccionada());
+    if (auto *lista = ventana->findChild<QTableView *>(QStringLiteral("lstOrdenes")))
+        lista->selectRow(0);
+    if (!ventana->ordenSeleccionada())
+        throw Error(QStringLiteral("La lista de órdenes está vacía."));
     return mide([&] {
         ventana->SetFocus();
         QCoreApplication::processEvents();
@@ -378,9 +383,8 @@ int corre(const QStringList &a)
                 continue;
             }
             tiempos[operacion] << r[0].toDouble();
-            std::printf("  %-10s %10.1f ms  peak %7.1f MB  added %7.1f MB\n",
-                        qPrintable(operacion), r[0].toDouble(), r[1].toDouble() / 1024,
-                        r[2].toDouble() / 1024);
+            std::printf("  %-10s %10.1f ms  peak %7.1f MB  added %7.1f MB\n", qPrintable(operacion),
+                        r[0].toDouble(), r[1].toDouble() / 1024, r[2].toDouble() / 1024);
             std::fflush(stdout);
         }
         for (const char *sufijo : {"", "-wal", "-shm", "-journal"})
@@ -411,10 +415,11 @@ int main(int argc, char **argv)
     try {
         if (a.size() == 4 && a.at(1) == QLatin1String("--mide")) {
             // The offscreen platform's notices would bury the figures.
-            qInstallMessageHandler([](QtMsgType tipo, const QMessageLogContext &, const QString &m) {
-                if (tipo >= QtCriticalMsg)
-                    std::fprintf(stderr, "%s\n", qUtf8Printable(m));
-            });
+            qInstallMessageHandler(
+                [](QtMsgType tipo, const QMessageLogContext &, const QString &m) {
+                    if (tipo >= QtCriticalMsg)
+                        std::fprintf(stderr, "%s\n", qUtf8Printable(m));
+                });
             return midUna(a.at(2), a.at(3));
         }
         return corre(a);

@@ -160,6 +160,11 @@ void actualizaEsquema(const QSqlDatabase &db, Motor motor)
             creaLasQueFaltan(db, motor);
             break;
         }
+    // So do the indexes any version lacks (each is made only once). An
+    // account that may not make them still works, only slower over years of
+    // data: the next opening with the rights makes them.
+    for (const QString &indice : sentenciasIndices())
+        swallowErrors([&] { ejecuta(db, indice); });
 }
 
 } // namespace zuvi::anfitrion

@@ -162,6 +162,15 @@ const char *const kIndices[] = {
     "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
 };
 
+// Indexes that keep the screens over years of history as fast as over a
+// month: the main window's list of orders not closed, newest first, and the
+// month roster's schedules by date. Every opening makes sure they exist, so
+// a database of any version gets them.
+const char *const kIndicesHistoria[] = {
+    "CREATE INDEX IF NOT EXISTS op_cerrado_op ON op (cerrado, op)",
+    "CREATE INDEX IF NOT EXISTS horarios_fecha ON horarios (fecha)",
+};
+
 // The first capture of a pattern in the text, or empty.
 QString primeraCaptura(const QString &texto, const char *patron)
 {
@@ -269,6 +278,8 @@ QStringList sentenciasIndices()
 {
     QStringList r;
     for (const char *indice : kIndices)
+        r << QLatin1String(indice);
+    for (const char *indice : kIndicesHistoria)
         r << QLatin1String(indice);
     return r;
 }

@@ -301,6 +301,8 @@ Medida busca(const QString &ruta, bool teclas)
             });
             if (k.ms > tecla.ms)
                 tecla = k;
+            if (qEnvironmentVariableIsSet("BENCH_ESCALA_TECLAS"))
+                std::fprintf(stderr, "'%s' %.1f ms\n", qUtf8Printable(buscador->text()), k.ms);
         }
         tecla.pico = memoria("VmHWM:");
         dialogo->close();
@@ -315,7 +317,12 @@ Medida rol(const QString &ruta)
     auto sesion = abre(ruta);
     const QString pdf = ruta + QStringLiteral(".rol.pdf");
     Medida m = mide([&] {
-        anfitrion::escribeRolMesPdf(anfitrion::leeRolMes(sesion->conexion(), 2024, 5), pdf);
+        QElapsedTimer t;
+        t.start();
+        const anfitrion::RolMes rol = anfitrion::leeRolMes(sesion->conexion(), 2024, 5);
+        if (qEnvironmentVariableIsSet("BENCH_ESCALA_TECLAS"))
+            std::fprintf(stderr, "read %lld ms\n", t.elapsed());
+        anfitrion::escribeRolMesPdf(rol, pdf);
     });
     QFile::remove(pdf);
     return m;
@@ -387,8 +394,9 @@ int corre(const QStringList &a)
                         r[0].toDouble(), r[1].toDouble() / 1024, r[2].toDouble() / 1024);
             std::fflush(stdout);
         }
-        for (const char *sufijo : {"", "-wal", "-shm", "-journal"})
-            QFile::remove(ruta + QLatin1String(sufijo));
+        if (!qEnvironmentVariableIsSet("BENCH_ESCALA_CONSERVA"))
+            for (const char *sufijo : {"", "-wal", "-shm", "-journal"})
+                QFile::remove(ruta + QLatin1String(sufijo));
     }
     std::printf("time at %sx over time at %sx:", qPrintable(factores.last()),
                 qPrintable(factores.first()));

@@ -83,7 +83,8 @@ std::vector<ModeloOrdenes::Fila> ModeloOrdenes::lee(const QString &condicionExtr
     QString sql = seleccion();
     if (!c.isEmpty())
         sql += QStringLiteral(" WHERE ") + c.join(QStringLiteral(" AND "));
-    sql += m_filtro.ascendente ? QStringLiteral(" ORDER BY op.op") : QStringLiteral(" ORDER BY op.op DESC");
+    sql += m_filtro.ascendente ? QStringLiteral(" ORDER BY op.op")
+                               : QStringLiteral(" ORDER BY op.op DESC");
     if (limite > 0)
         sql += QStringLiteral(" LIMIT %1").arg(limite);
     QSqlQuery q = anfitrion::ejecutaConValores(m_db, sql, valores);
@@ -231,7 +232,7 @@ QVariant ModeloOrdenes::data(const QModelIndex &indice, int rol) const
     case ColPartidas:
         return QString::number(f.partidas);
     case ColOcupada:
-        return f.ocupadaNula           ? QString()
+        return f.ocupadaNula         ? QString()
                : f.ocupada.isEmpty() ? QStringLiteral("(sin usuario)")
                                      : f.ocupada;
     default:
@@ -271,7 +272,8 @@ void ModeloOrdenes::sigue()
 {
     // The next page after the last row loaded: the index on the order number
     // goes straight there, however deep the list has been scrolled.
-    const QString despues = m_filtro.ascendente ? QStringLiteral("op.op > ?") : QStringLiteral("op.op < ?");
+    const QString despues =
+        m_filtro.ascendente ? QStringLiteral("op.op > ?") : QStringLiteral("op.op < ?");
     std::vector<Fila> filas = lee(despues, {m_filas.back().op}, kPagina + 1);
     m_hayMas = filas.size() > size_t(kPagina);
     if (m_hayMas)

@@ -18,8 +18,8 @@ struct FiltroOrdenes
 {
     enum class Estado { SinCerrar, Cerradas, Todas };
     Estado estado = Estado::SinCerrar;
-    QDate desde, hasta; // of issue; an invalid date sets no bound
-    QString texto;      // an order number, or words all found in the observations
+    QDate desde, hasta;      // of issue; an invalid date sets no bound
+    QString texto;           // an order number, or words all found in the observations
     bool ascendente = false; // by default the newest first
 };
 

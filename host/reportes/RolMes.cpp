@@ -231,6 +231,7 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
         y += renglon * 1.4;
 
         p.setFont(normal);
+        const QFontMetricsF medidas(normal);
         const int desde = pag * filasPorPagina;
         const int hasta = qMin(int(rol.filas.size()), desde + filasPorPagina);
         for (int i = desde; i < hasta; ++i) {
@@ -239,10 +240,12 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
                 p.fillRect(QRectF(0, y, ancho, renglon), QColor(244, 246, 250));
             p.drawText(QRectF(2, y, colEmpleado - 4, renglon), Qt::AlignVCenter, f.empleado);
             p.drawText(QRectF(colEmpleado + 2, y, colNombre - 4, renglon), Qt::AlignVCenter,
-                       QFontMetricsF(normal).elidedText(f.nombre, Qt::ElideRight, colNombre - 4));
+                       medidas.elidedText(f.nombre, Qt::ElideRight, colNombre - 4));
             for (int d = 0; d < dias; ++d) {
-                const QRectF celda(colEmpleado + colNombre + d * colDia, y, colDia, renglon);
                 const QString &texto = f.dias.at(d);
+                if (texto.isEmpty())
+                    continue;
+                const QRectF celda(colEmpleado + colNombre + d * colDia, y, colDia, renglon);
                 if (texto == u"D")
                     p.fillRect(celda.adjusted(1, 1, -1, -1), QColor(255, 236, 200));
                 p.drawText(celda, Qt::AlignCenter, texto);

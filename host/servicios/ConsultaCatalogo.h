@@ -50,10 +50,10 @@ private:
     QSqlDatabase m_db;
     FiltroCatalogo m_filtro;
     int m_total = 0;
-    QString m_busqueda;    // the full-text query, or empty
-    QStringList m_palabras; // the words, for MariaDB
+    QString m_busqueda;               // the full-text query, or empty
+    QStringList m_palabras;           // the words, for MariaDB
     std::vector<QStringList> m_filas; // the rows just read
-    QVariant m_ultima; // the key (or entry number) of the last row read
+    QVariant m_ultima;                // the key (or entry number) of the last row read
     bool m_hayMas = false;
     bool m_porAlta = false;
     int m_coincidencias = -1;

@@ -123,12 +123,13 @@ void ConsultaCatalogo::leePagina()
     if (m_porAlta) {
         // Many matches: in the order they were entered, straight from the index.
         const QString indice = QLatin1String(kBusquedaArticulos);
-        sql = QStringLiteral("SELECT %1, %2.rowid FROM %2 JOIN %3 ON %3.rowid = %2.rowid")
+        // Ordered by the index's own numbers, so it hands them over in order.
+        sql = QStringLiteral("SELECT %1, %3.rowid FROM %2 JOIN %3 ON %3.rowid = %2.rowid")
                   .arg(columnas(t + QLatin1Char('.')), t, indice);
         condiciones << indice + QStringLiteral(" MATCH ?");
         valores << m_busqueda;
         if (m_ultima.isValid()) {
-            condiciones << t + QStringLiteral(".rowid > ?");
+            condiciones << indice + QStringLiteral(".rowid > ?");
             valores << m_ultima;
         }
     } else {
@@ -149,7 +150,7 @@ void ConsultaCatalogo::leePagina()
     }
     if (!condiciones.isEmpty())
         sql += QStringLiteral(" WHERE ") + condiciones.join(QStringLiteral(" AND "));
-    sql += m_porAlta ? QStringLiteral(" ORDER BY %1.rowid").arg(t)
+    sql += m_porAlta ? QStringLiteral(" ORDER BY %1.rowid").arg(QLatin1String(kBusquedaArticulos))
                      : QStringLiteral(" ORDER BY ") + m_catalogo.orden;
     sql += QStringLiteral(" LIMIT %1").arg(kPagina + 1);
     QSqlQuery q = ejecutaConValores(m_db, sql, valores);

@@ -82,8 +82,8 @@ private:
         qint64 partidas = 0;
     };
 
-    // The rows passing the filter, after the key given (none: from the
-    // start), at most limite of them.
+    // The rows passing the filter and the extra condition, in the list's
+    // order, at most limite of them (0: all).
     std::vector<Fila> lee(const QString &condicionExtra, const QVariantList &valoresExtra,
                           int limite) const;
     bool antesQue(qint32 a, qint32 b) const; // a goes above b

@@ -187,7 +187,8 @@ void actualizaEsquema(const QSqlDatabase &db, Motor motor)
     // rights makes them.
     for (const QString &indice : indicesQueFaltan(db, motor))
         swallowErrors([&] { ejecuta(db, indice); });
-    aseguraBusquedaArticulos(db, motor);
+    // The same for the articles' search index: without it F2 searches slower.
+    swallowErrors([&] { aseguraBusquedaArticulos(db, motor); });
 }
 
 } // namespace zuvi::anfitrion

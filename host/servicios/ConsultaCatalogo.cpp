@@ -45,6 +45,10 @@ ConsultaCatalogo::ConsultaCatalogo(const DefinicionCatalogo &catalogo, const QSt
     }
     QSqlQuery q = ejecutaConValores(m_db, sql, valores);
     m_total = q.next() ? q.value(0).toInt() : 0;
+    // Without its full-text index (it could not be made) SQLite searches the
+    // columns as MariaDB does, only slower and with accents as typed.
+    m_indice = motorDe(m_db) == Motor::SQLite &&
+               m_db.tables().contains(QLatin1String(kBusquedaArticulos), Qt::CaseInsensitive);
 }
 
 QString ConsultaCatalogo::columnas(const QString &prefijo) const
@@ -62,8 +66,7 @@ std::vector<QStringList> ConsultaCatalogo::busca(const QString &texto)
     m_porAlta = false;
     m_busqueda.clear();
     m_palabras.clear();
-    const bool lite = motorDe(m_db) == Motor::SQLite;
-    if (lite)
+    if (m_indice)
         m_busqueda = consultaDeTextoCompleto(texto);
     else
         m_palabras = texto.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
@@ -134,9 +137,12 @@ void ConsultaCatalogo::leePagina()
         }
     } else {
         sql = QStringLiteral("SELECT %1, %2 FROM %3").arg(columnas(), m_catalogo.orden, t);
+        // MariaDB escapes with a backslash by itself; SQLite is told to.
+        const QString escape =
+            motorDe(m_db) == Motor::SQLite ? QStringLiteral(" ESCAPE '\\'") : QString();
         for (const QString &p : std::as_const(m_palabras)) {
-            condiciones << QStringLiteral("(%1 LIKE ? OR %2 LIKE ?)")
-                               .arg(m_catalogo.columnas.at(0), m_catalogo.columnas.at(1));
+            condiciones << QStringLiteral("(%1 LIKE ?%3 OR %2 LIKE ?%3)")
+                               .arg(m_catalogo.columnas.at(0), m_catalogo.columnas.at(1), escape);
             valores << literalLike(p) << literalLike(p);
         }
         if (m_ultima.isValid()) {

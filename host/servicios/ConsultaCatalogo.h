@@ -54,6 +54,7 @@ private:
     QStringList m_palabras;           // the words, for MariaDB
     std::vector<QStringList> m_filas; // the rows just read
     QVariant m_ultima;                // the key (or entry number) of the last row read
+    bool m_indice = false;            // SQLite with its full-text index
     bool m_hayMas = false;
     bool m_porAlta = false;
     int m_coincidencias = -1;

@@ -20,6 +20,9 @@
 //                     [--articulos 1000] [--empleados 10]
 //                     [--operaciones principal,refresco,f2,tecla,rol]
 //                     [--carpeta /dev/shm]
+//
+// BENCH_ESCALA_DETALLE=1 prints each key's time and the roster's reading
+// time; BENCH_ESCALA_CONSERVA=1 keeps the databases for a look afterwards.
 
 #include "app/VentanaPrincipal.h"
 #include "bench/Silencio.h"
@@ -301,7 +304,7 @@ Medida busca(const QString &ruta, bool teclas)
             });
             if (k.ms > tecla.ms)
                 tecla = k;
-            if (qEnvironmentVariableIsSet("BENCH_ESCALA_TECLAS"))
+            if (qEnvironmentVariableIsSet("BENCH_ESCALA_DETALLE"))
                 std::fprintf(stderr, "'%s' %.1f ms\n", qUtf8Printable(buscador->text()), k.ms);
         }
         tecla.pico = memoria("VmHWM:");
@@ -320,7 +323,7 @@ Medida rol(const QString &ruta)
         QElapsedTimer t;
         t.start();
         const anfitrion::RolMes rol = anfitrion::leeRolMes(sesion->conexion(), 2024, 5);
-        if (qEnvironmentVariableIsSet("BENCH_ESCALA_TECLAS"))
+        if (qEnvironmentVariableIsSet("BENCH_ESCALA_DETALLE"))
             std::fprintf(stderr, "read %lld ms\n", t.elapsed());
         anfitrion::escribeRolMesPdf(rol, pdf);
     });

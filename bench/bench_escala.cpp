@@ -19,7 +19,7 @@
 // Usage: bench_escala [--factores 10,100,1000] [--ordenes 1000]
 //                     [--articulos 1000] [--empleados 10]
 //                     [--operaciones principal,refresco,f2,tecla,rol]
-//                     [--carpeta /dev/shm]
+//                     [--carpeta /dev/shm | --mariadb mariadb://root@127.0.0.1:PORT/]
 //
 // BENCH_ESCALA_DETALLE=1 prints each key's time and the roster's reading
 // time; BENCH_ESCALA_CONSERVA=1 keeps the databases for a look afterwards.
@@ -40,6 +40,8 @@
 #include <QLineEdit>
 #include <QMap>
 #include <QProcess>
+#include <QSqlError>
+#include <QSqlQuery>
 #include <QTableView>
 #include <QTimer>
 
@@ -218,6 +220,75 @@ void construye(const QString &ruta, const Tamanos &t)
     sqlite3_close(db);
 }
 
+// The same rows on a MariaDB server, made by the server from its sequence
+// tables (INSERT ... SELECT) in one transaction per table.
+void construyeMariaDB(const QString &url, const Tamanos &t)
+{
+    anfitrion::Opciones o;
+    o.base = url;
+    auto s = anfitrion::Sesion::abre(o, false);
+    QSqlDatabase db = s->conexion();
+    const auto sql = [&](const QString &texto) {
+        QSqlQuery q(db);
+        if (!q.exec(texto))
+            throw Error(QStringLiteral("%1: %2").arg(texto, q.lastError().text()));
+    };
+    for (const char *tabla :
+         {"oppart", "op", "prods", "horarios", "turnoempleado", "empleados", "turnos"})
+        sql(QStringLiteral("DELETE FROM %1").arg(QLatin1String(tabla)));
+    const long long cerradas = t.ordenes * 98 / 100;
+    QStringList palabras;
+    for (const char *p : kPalabras)
+        palabras << QLatin1Char('\'') + QString::fromUtf8(p) + QLatin1Char('\'');
+    const QString primeras = palabras.mid(0, 10).join(QLatin1Char(','));
+    const QString segundas = palabras.mid(10).join(QLatin1Char(','));
+    if (t.ordenes > 0) {
+        sql(QStringLiteral("INSERT INTO op (op, estado, f_emision, almacen, observ, cerrado, "
+                           "usuario, importe) SELECT seq, IF(seq <= %2, 'TE', 'PE'), "
+                           "DATE_SUB('2026-11-01', INTERVAL (%1 - seq) * 3650 DIV %1 DAY), 1, "
+                           "CONCAT('Pedido del cliente ', seq MOD 5000), IF(seq <= %2, 1, 0), "
+                           "'ADMIN', seq MOD 1000 FROM seq_1_to_%1")
+                .arg(t.ordenes)
+                .arg(cerradas));
+        sql(QStringLiteral("INSERT INTO oppart (id_entrada, op, articulo, cantidad, precio, "
+                           "terminado, partida) SELECT seq, (seq - 1) DIV 10 + 1, CONCAT('A', "
+                           "(((seq - 1) DIV 10 + 1) * 7 + (seq - 1) MOD 10 + 1) MOD %2 + 1), 1 + "
+                           "seq MOD 7, 10, IF((seq - 1) DIV 10 + 1 <= %3, 1 + seq MOD 7, 0), "
+                           "(seq - 1) MOD 10 + 1 FROM seq_1_to_%1")
+                .arg(t.ordenes * 10)
+                .arg(qMax(1LL, t.articulos))
+                .arg(cerradas));
+    }
+    if (t.articulos > 0)
+        sql(QStringLiteral("INSERT INTO prods (articulo, descrip, unidad, kit) SELECT CONCAT('A', "
+                           "seq), CONCAT(ELT(seq MOD 10 + 1, %2), ' ', ELT((seq DIV 10) MOD 10 + "
+                           "1, %3), ' ', ELT((seq DIV 100) MOD 10 + 1, %3), ' ', seq MOD 97 + 3, "
+                           "' mm'), 'PZA', IF(seq MOD 10 = 0, 1, 0) FROM seq_1_to_%1")
+                .arg(t.articulos)
+                .arg(primeras, segundas));
+    if (t.empleados > 0) {
+        sql(QStringLiteral("INSERT INTO turnos (turno, entrada, comida, salida, descanso, "
+                           "regcomida) VALUES ('MATUTINO', '07:00', '11:00', '15:00', 'Domingo', "
+                           "'11:30'), ('VESPERTINO', '15:00', '19:00', '23:00', 'Sabado', "
+                           "'19:30')"));
+        sql(QStringLiteral("INSERT INTO empleados (empleado, nombre) SELECT CONCAT('E', "
+                           "LPAD(seq, 6, '0')), CONCAT('Empleado ', seq) FROM seq_1_to_%1")
+                .arg(t.empleados));
+        sql(QStringLiteral("INSERT INTO turnoempleado (turno, empleado) SELECT IF(seq MOD 2, "
+                           "'MATUTINO', 'VESPERTINO'), CONCAT('E', LPAD(seq, 6, '0')) FROM "
+                           "seq_1_to_%1")
+                .arg(t.empleados));
+        sql(QStringLiteral("INSERT INTO horarios (turno, fecha, Empleado, HoraEntrada, comida, "
+                           "HoraSalida) SELECT IF(e.seq MOD 2, 'MATUTINO', 'VESPERTINO'), "
+                           "DATE_ADD('2024-04-01', INTERVAL d.seq DAY), CONCAT('E', LPAD(e.seq, "
+                           "6, '0')), IF(e.seq MOD 2, '07:00', '15:00'), IF(e.seq MOD 2, '11:00', "
+                           "'19:00'), IF(e.seq MOD 2, '15:00', '23:00') FROM seq_1_to_%1 e, "
+                           "seq_0_to_90 d")
+                .arg(t.empleados));
+    }
+    sql(QStringLiteral("ANALYZE TABLE op, oppart, prods, horarios"));
+}
+
 // --- one operation, in a process of its own ------------------------------------
 
 struct Medida
@@ -318,7 +389,7 @@ Medida busca(const QString &ruta, bool teclas)
 Medida rol(const QString &ruta)
 {
     auto sesion = abre(ruta);
-    const QString pdf = ruta + QStringLiteral(".rol.pdf");
+    const QString pdf = QDir::temp().filePath(QStringLiteral("bench_escala_rol.pdf"));
     Medida m = mide([&] {
         QElapsedTimer t;
         t.start();
@@ -366,15 +437,22 @@ int corre(const QStringList &a)
         argumento(a, "--operaciones", QStringLiteral("principal,refresco,f2,tecla,rol"))
             .split(QLatin1Char(','));
     const QDir carpeta(argumento(a, "--carpeta", QStringLiteral("/dev/shm")));
+    // A server's address ("mariadb://root@127.0.0.1:PORT/") measures there.
+    const QString mariadb = argumento(a, "--mariadb", QString());
 
     QMap<QString, QList<double>> tiempos;
     for (const QString &factor : factores) {
         const long long f = factor.toLongLong();
         const Tamanos t{base.ordenes * f, base.articulos * f, base.empleados * f};
-        const QString ruta = carpeta.filePath(QStringLiteral("bench_escala_%1.db").arg(f));
+        const QString ruta = mariadb.isEmpty()
+                                 ? carpeta.filePath(QStringLiteral("bench_escala_%1.db").arg(f))
+                                 : mariadb + QStringLiteral("bench_escala_%1").arg(f);
         QElapsedTimer reloj;
         reloj.start();
-        construye(ruta, t);
+        if (mariadb.isEmpty())
+            construye(ruta, t);
+        else
+            construyeMariaDB(ruta, t);
         std::printf("%sx: %lld orders (%lld lines), %lld articles, %lld employees; built in "
                     "%.1f s\n",
                     qPrintable(factor), t.ordenes, t.ordenes * 10, t.articulos, t.empleados,
@@ -397,7 +475,7 @@ int corre(const QStringList &a)
                         r[0].toDouble(), r[1].toDouble() / 1024, r[2].toDouble() / 1024);
             std::fflush(stdout);
         }
-        if (!qEnvironmentVariableIsSet("BENCH_ESCALA_CONSERVA"))
+        if (mariadb.isEmpty() && !qEnvironmentVariableIsSet("BENCH_ESCALA_CONSERVA"))
             for (const char *sufijo : {"", "-wal", "-shm", "-journal"})
                 QFile::remove(ruta + QLatin1String(sufijo));
     }

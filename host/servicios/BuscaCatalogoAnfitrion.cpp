@@ -117,6 +117,12 @@ public:
                           : m_memoria.fila(m_visibles[size_t(visible)]).celdas;
     }
     int total() const { return m_consulta ? m_consulta->total() : m_memoria.total(); }
+    // The total as the label says it: "más de N" when only counted up to N.
+    QString totalTexto() const
+    {
+        return m_consulta && !m_consulta->totalExacto() ? QStringLiteral("más de %1").arg(total())
+                                                        : QString::number(total());
+    }
     // How many rows the search matches; -1 when not known.
     int coincidencias() const
     {
@@ -230,10 +236,18 @@ void DialogoCatalogo::busca(const QString &texto)
     const int coinciden = m_modelo->coincidencias();
     if (visibles > 0) {
         m_tabla->setCurrentIndex(m_modelo->index(0, 0));
-        QString linea = coinciden == total ? QStringLiteral("%1 registros").arg(total)
-                        : coinciden >= 0
-                            ? QStringLiteral("%1 de %2 registros").arg(coinciden).arg(total)
-                            : QStringLiteral("Más de %1 de %2 registros").arg(visibles).arg(total);
+        // "N registros", "M de N registros", or, where only the pages read
+        // tell, "Más de M de N registros"; N may itself be "más de 10000".
+        const QString todos = m_modelo->totalTexto();
+        QString linea;
+        if (coinciden >= 0 && coinciden == total)
+            linea = QStringLiteral("%1 registros").arg(todos);
+        else if (coinciden >= 0)
+            linea = QStringLiteral("%1 de %2 registros").arg(coinciden).arg(todos);
+        else if (texto.trimmed().isEmpty())
+            linea = QStringLiteral("Más de %1 registros").arg(total);
+        else
+            linea = QStringLiteral("Más de %1 de %2 registros").arg(visibles).arg(todos);
         if (m_modelo->enOrdenDeAlta())
             linea += QStringLiteral(", en el orden en que se dieron de alta (escriba más para "
                                     "acotar)");

@@ -37,14 +37,20 @@ ConsultaCatalogo::ConsultaCatalogo(const DefinicionCatalogo &catalogo, const QSt
                                    QSqlDatabase conexion)
     : m_catalogo(catalogo), m_db(std::move(conexion)), m_filtro(leeFiltro(catalogo, filtro))
 {
-    QString sql = QStringLiteral("SELECT COUNT(*) FROM ") + catalogo.tabla;
+    // Counted up to a bound: counting a million rows would cost more than
+    // the page shown.
+    QString sql = QStringLiteral("SELECT 1 FROM ") + catalogo.tabla;
     QVariantList valores;
     if (!m_filtro.columna.isEmpty()) {
         sql += QStringLiteral(" WHERE %1 %2 ?").arg(m_filtro.columna, m_filtro.operador);
         valores << m_filtro.valor;
     }
-    QSqlQuery q = ejecutaConValores(m_db, sql, valores);
+    QSqlQuery q = ejecutaConValores(
+        m_db, QStringLiteral("SELECT COUNT(*) FROM (%1 LIMIT %2) cuenta").arg(sql).arg(kCuenta + 1),
+        valores);
     m_total = q.next() ? q.value(0).toInt() : 0;
+    m_totalExacto = m_total <= kCuenta;
+    m_total = qMin(m_total, kCuenta);
     // Without its full-text index (it could not be made) SQLite searches the
     // columns as MariaDB does, only slower and with accents as typed.
     m_indice = motorDe(m_db) == Motor::SQLite &&
@@ -70,7 +76,7 @@ std::vector<QStringList> ConsultaCatalogo::busca(const QString &texto)
         m_busqueda = consultaDeTextoCompleto(texto);
     else
         m_palabras = texto.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
-    m_coincidencias = m_busqueda.isEmpty() && m_palabras.isEmpty() ? m_total : -1;
+    m_coincidencias = m_busqueda.isEmpty() && m_palabras.isEmpty() && m_totalExacto ? m_total : -1;
     if (!m_busqueda.isEmpty()) {
         // How many match, up to a bound the entry numbers tell without sorting.
         QSqlQuery q = ejecutaConValores(

@@ -30,8 +30,11 @@ public:
     ConsultaCatalogo(const DefinicionCatalogo &catalogo, const QString &filtro,
                      QSqlDatabase conexion);
 
-    // The rows the filter leaves, counted once.
+    static constexpr int kCuenta = 10000;
+
+    // The rows the filter leaves, counted once up to kCuenta.
     int total() const { return m_total; }
+    bool totalExacto() const { return m_totalExacto; }
     // Starts a search (blank: every row); its first rows, each the cells of
     // the catalogue's shown columns. Throws Error.
     std::vector<QStringList> busca(const QString &texto);
@@ -50,6 +53,7 @@ private:
     QSqlDatabase m_db;
     FiltroCatalogo m_filtro;
     int m_total = 0;
+    bool m_totalExacto = true;
     QString m_busqueda;               // the full-text query, or empty
     QStringList m_palabras;           // the words, for MariaDB
     std::vector<QStringList> m_filas; // the rows just read

@@ -9,6 +9,7 @@
 #include "app/DialogoKit.h"
 #include "app/Lotes.h"
 #include "app/Materiales.h"
+#include "app/ModeloOrdenes.h"
 #include "contract/Identidad.h"
 #include "host/base/Reclamos.h"
 #include "host/base/Sesion.h"
@@ -31,42 +32,36 @@
 #include <QDialogButtonBox>
 #include <QFormLayout>
 #include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QPrintPreviewDialog>
 #include <QPrinter>
-#include <QSqlQuery>
 #include <QStatusBar>
-#include <QTableWidget>
+#include <QTableView>
+#include <QTimer>
+#include <QVBoxLayout>
 
 namespace zuvi::app {
 
 namespace {
 
-enum Columna {
-    ColOp,
-    ColEstado,
-    ColEmision,
-    ColAlmacen,
-    ColObserv,
-    ColCerrado,
-    ColPartidas,
-    ColOcupada
-};
+using Col = ModeloOrdenes::Columna;
 
-QString textoFecha(const QVariant &v)
-{
-    const QDate d = v.toDate();
-    return d.isValid() ? d.toString(QStringLiteral("dd/MM/yyyy")) : v.toString();
-}
+// The first day a date filter offers; there it means "no bound".
+const QDate kSinLimite(1900, 1, 1);
 
-QTableWidgetItem *celda(const QString &texto, bool numero = false)
+QDateEdit *campoFecha(const char *nombre, QWidget *padre)
 {
-    auto *item = new QTableWidgetItem(texto);
-    item->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled);
-    if (numero)
-        item->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    return item;
+    auto *d = new QDateEdit(padre);
+    d->setObjectName(QLatin1String(nombre));
+    d->setCalendarPopup(true);
+    d->setDisplayFormat(QStringLiteral("dd/MM/yyyy"));
+    d->setMinimumDate(kSinLimite);
+    d->setSpecialValueText(QStringLiteral("(sin límite)"));
+    d->setDate(kSinLimite);
+    return d;
 }
 
 } // namespace
@@ -78,20 +73,40 @@ VentanaPrincipal::VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccio
     setObjectName(QStringLiteral("frmMaster"));
     setWindowTitle(QStringLiteral("ZuviProduccion - Órdenes de producción"));
 
-    m_lista = new QTableWidget(0, 8, this);
+    m_modelo = new ModeloOrdenes(sesion.conexion(), this);
+    connect(m_modelo, &ModeloOrdenes::falloLectura, this, [this](const QString &texto) {
+        statusBar()->showMessage(QStringLiteral("No se pudieron leer más órdenes: %1").arg(texto));
+    });
+    m_lista = new QTableView(this);
     m_lista->setObjectName(QStringLiteral("lstOrdenes"));
-    m_lista->setHorizontalHeaderLabels({QStringLiteral("Orden"), QStringLiteral("Estado"),
-                                        QStringLiteral("Emisión"), QStringLiteral("Almacén"),
-                                        QStringLiteral("Observaciones"), QStringLiteral("Cerrada"),
-                                        QStringLiteral("Partidas"), QStringLiteral("Ocupada por")});
+    m_lista->setModel(m_modelo);
     m_lista->setSelectionBehavior(QAbstractItemView::SelectRows);
     m_lista->setSelectionMode(QAbstractItemView::SingleSelection);
     m_lista->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_lista->setWordWrap(false);
     m_lista->verticalHeader()->hide();
-    m_lista->horizontalHeader()->setSectionResizeMode(ColObserv, QHeaderView::Stretch);
-    setCentralWidget(m_lista);
-    connect(m_lista, &QTableWidget::itemSelectionChanged, this, [this] { ajustaAcciones(); });
-    connect(m_lista, &QTableWidget::cellDoubleClicked, this, [this] {
+    m_lista->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
+    m_lista->horizontalHeader()->setSectionResizeMode(Col::ColObserv, QHeaderView::Stretch);
+    // The list orders by the order number, either way; a click on its caption turns it.
+    m_lista->horizontalHeader()->setSortIndicatorShown(true);
+    m_lista->horizontalHeader()->setSortIndicator(Col::ColOp, Qt::DescendingOrder);
+    m_lista->horizontalHeader()->setSectionsClickable(true);
+    connect(m_lista->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int seccion) {
+        if (seccion == Col::ColOp)
+            aplicaFiltro(true);
+        m_lista->horizontalHeader()->setSortIndicator(
+            Col::ColOp, m_modelo->filtro().ascendente ? Qt::AscendingOrder : Qt::DescendingOrder);
+    });
+
+    auto *centro = new QWidget(this);
+    auto *capa = new QVBoxLayout(centro);
+    capa->setContentsMargins(0, 0, 0, 0);
+    capa->addWidget(creaFiltros());
+    capa->addWidget(m_lista, 1);
+    setCentralWidget(centro);
+    connect(m_lista->selectionModel(), &QItemSelectionModel::selectionChanged, this,
+            [this] { ajustaAcciones(); });
+    connect(m_lista, &QTableView::doubleClicked, this, [this] {
         if (m_modifica->isEnabled())
             modifica();
         else if (m_consulta->isEnabled())
@@ -106,6 +121,63 @@ VentanaPrincipal::VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccio
             .arg(sesion.opciones().base.section(QLatin1Char('@'), -1), sesion.opciones().usuario));
     resize(900, 520);
     actualiza();
+}
+
+QWidget *VentanaPrincipal::creaFiltros()
+{
+    auto *barra = new QWidget(this);
+    auto *capa = new QHBoxLayout(barra);
+    m_estado = new QComboBox(barra);
+    m_estado->setObjectName(QStringLiteral("cmbEstado"));
+    m_estado->addItems(
+        {QStringLiteral("Sin cerrar"), QStringLiteral("Cerradas"), QStringLiteral("Todas")});
+    m_desde = campoFecha("dtpDesde", barra);
+    m_hasta = campoFecha("dtpHasta", barra);
+    m_texto = new QLineEdit(barra);
+    m_texto->setObjectName(QStringLiteral("txtBuscar"));
+    m_texto->setClearButtonEnabled(true);
+    m_texto->setPlaceholderText(QStringLiteral("Número de orden o palabras de las observaciones"));
+    const auto etiqueta = [barra](const QString &texto, QWidget *campo) {
+        auto *l = new QLabel(texto, barra);
+        l->setBuddy(campo);
+        return l;
+    };
+    capa->addWidget(etiqueta(QStringLiteral("Ó&rdenes:"), m_estado));
+    capa->addWidget(m_estado);
+    capa->addWidget(etiqueta(QStringLiteral("E&mitidas desde:"), m_desde));
+    capa->addWidget(m_desde);
+    capa->addWidget(etiqueta(QStringLiteral("&hasta:"), m_hasta));
+    capa->addWidget(m_hasta);
+    capa->addWidget(etiqueta(QStringLiteral("&Buscar:"), m_texto));
+    capa->addWidget(m_texto, 1);
+    // Typing waits for a pause before the list is read again.
+    auto *pausa = new QTimer(this);
+    pausa->setSingleShot(true);
+    pausa->setInterval(250);
+    const auto aplica = [this] { aplicaFiltro(false); };
+    connect(pausa, &QTimer::timeout, this, aplica);
+    connect(m_texto, &QLineEdit::textChanged, pausa, qOverload<>(&QTimer::start));
+    connect(m_estado, &QComboBox::currentIndexChanged, this, aplica);
+    connect(m_desde, &QDateEdit::dateChanged, this, aplica);
+    connect(m_hasta, &QDateEdit::dateChanged, this, aplica);
+    return barra;
+}
+
+void VentanaPrincipal::aplicaFiltro(bool giraOrden)
+{
+    FiltroOrdenes f = m_modelo->filtro();
+    f.estado = FiltroOrdenes::Estado(qBound(0, m_estado->currentIndex(), 2));
+    f.desde = m_desde->date() == kSinLimite ? QDate() : m_desde->date();
+    f.hasta = m_hasta->date() == kSinLimite ? QDate() : m_hasta->date();
+    f.texto = m_texto->text();
+    if (giraOrden)
+        f.ascendente = !f.ascendente;
+    const qint32 elegida = ordenSeleccionada();
+    if (!swallowErrors([&] { m_modelo->ponFiltro(f); }))
+        statusBar()->showMessage(QStringLiteral("No se pudo leer la lista de órdenes."));
+    if (elegida && !seleccionaOrden(elegida))
+        m_lista->clearSelection(); // it left the list: nothing is chosen in its place
+    ajustaAcciones();
 }
 
 void VentanaPrincipal::creaMenus()
@@ -200,10 +272,9 @@ void VentanaPrincipal::ajustaAcciones()
     m_cancela->setEnabled(hay && responde("CancelaOp(int)"));
     m_turnos->setEnabled(responde("MuestraTurnos()"));
     if (m_libera) {
-        const QList<QTableWidgetItem *> items = m_lista->selectedItems();
-        const QTableWidgetItem *ocupada =
-            items.isEmpty() ? nullptr : m_lista->item(items.first()->row(), ColOcupada);
-        m_libera->setEnabled(ocupada && !ocupada->text().isEmpty());
+        const QModelIndexList filas = m_lista->selectionModel()->selectedRows();
+        m_libera->setEnabled(!filas.isEmpty() &&
+                             !m_modelo->ocupadaPor(filas.first().row()).isEmpty());
     }
     ajustaPorRol();
 }
@@ -214,70 +285,60 @@ void VentanaPrincipal::actualiza()
         return;
     m_actualizando = true;
     const qint32 elegida = ordenSeleccionada();
-    QString causa;
-    try {
-        QSqlQuery q = anfitrion::ejecuta(
-            m_sesion.conexion(),
-            QStringLiteral("SELECT op.op, op.estado, op.f_emision, op.almacen, op.observ, "
-                           "op.cerrado, COUNT(oppart.op), op.ocupado, op.usuario, (SELECT "
-                           "usuario FROM reclamos WHERE reclamos.op = op.op), (SELECT estacion "
-                           "FROM reclamos WHERE reclamos.op = op.op) FROM op LEFT JOIN "
-                           "oppart ON oppart.op = op.op GROUP BY op.op, op.estado, op.f_emision, "
-                           "op.almacen, op.observ, op.cerrado, op.ocupado, op.usuario ORDER BY "
-                           "op.op"));
-        m_lista->setRowCount(0);
-        while (q.next()) {
-            const int fila = m_lista->rowCount();
-            m_lista->insertRow(fila);
-            m_lista->setItem(fila, ColOp, celda(q.value(0).toString(), true));
-            m_lista->setItem(fila, ColEstado, celda(q.value(1).toString().trimmed()));
-            m_lista->setItem(fila, ColEmision, celda(textoFecha(q.value(2))));
-            m_lista->setItem(fila, ColAlmacen, celda(q.value(3).toString(), true));
-            m_lista->setItem(fila, ColObserv, celda(q.value(4).toString().trimmed()));
-            m_lista->setItem(fila, ColCerrado,
-                             celda(q.value(5).toInt() != 0 ? QStringLiteral("Sí") : QString()));
-            m_lista->setItem(fila, ColPartidas, celda(q.value(6).toString(), true));
-            // Whoever holds the order's claim; a mark with no claim names who last saved it.
-            const QString guardo = q.value(8).toString().trimmed();
-            const QString titular =
-                !q.value(9).isNull()
-                    ? QStringLiteral("%1 (estación %2)")
-                          .arg(q.value(9).toString().trimmed(), q.value(10).toString().trimmed())
-                : q.value(7).toInt() == 0 ? QString()
-                : guardo.isEmpty()        ? QStringLiteral("(sin usuario)")
-                                          : guardo;
-            m_lista->setItem(fila, ColOcupada, celda(titular));
-        }
-    } catch (...) {
-        causa = anfitrion::causaLegible(describeCurrentException());
-    }
-    if (!causa.isEmpty())
-        statusBar()->showMessage(
-            QStringLiteral("No se pudo leer la lista de órdenes: %1").arg(causa));
-    if (elegida)
-        seleccionaOrden(elegida);
+    leeLista([&] { m_modelo->recarga(); });
+    if (elegida && !seleccionaOrden(elegida))
+        m_lista->clearSelection(); // it left the list: nothing is chosen in its place
     ajustaAcciones();
     m_actualizando = false;
 }
 
+void VentanaPrincipal::refresca()
+{
+    if (m_actualizando)
+        return;
+    m_actualizando = true;
+    const qint32 elegida = ordenSeleccionada();
+    if (elegida && !m_tocadas.contains(elegida)) {
+        m_tocadas.append(elegida);
+        if (m_tocadas.size() > 20) // an editor stays open for a few of them at most
+            m_tocadas.removeFirst();
+    }
+    leeLista([&] {
+        for (const qint32 op : std::as_const(m_tocadas))
+            m_modelo->refrescaOrden(op);
+        m_modelo->refrescaNuevas();
+    });
+    if (elegida && !seleccionaOrden(elegida))
+        m_lista->clearSelection(); // it left the list: nothing is chosen in its place
+    ajustaAcciones();
+    m_actualizando = false;
+}
+
+// Reads the list or a part of it; a failure says why in the status bar, and
+// the next reading, once the database answers again, brings the list back.
+void VentanaPrincipal::leeLista(const std::function<void()> &lectura)
+{
+    try {
+        lectura();
+    } catch (...) {
+        statusBar()->showMessage(QStringLiteral("No se pudo leer la lista de órdenes: %1")
+                                     .arg(anfitrion::causaLegible(describeCurrentException())));
+    }
+}
+
 qint32 VentanaPrincipal::ordenSeleccionada() const
 {
-    const QList<QTableWidgetItem *> items = m_lista->selectedItems();
-    if (items.isEmpty())
-        return 0;
-    const QTableWidgetItem *op = m_lista->item(items.first()->row(), ColOp);
-    return op ? op->text().toInt() : 0;
+    const QModelIndexList filas = m_lista->selectionModel()->selectedRows();
+    return filas.isEmpty() ? 0 : m_modelo->orden(filas.first().row());
 }
 
 bool VentanaPrincipal::seleccionaOrden(qint32 op)
 {
-    for (int fila = 0; fila < m_lista->rowCount(); ++fila) {
-        if (m_lista->item(fila, ColOp)->text().toInt() == op) {
-            m_lista->selectRow(fila);
-            return true;
-        }
-    }
-    return false;
+    const int fila = m_modelo->filaDe(op);
+    if (fila < 0)
+        return false;
+    m_lista->selectRow(fila);
+    return true;
 }
 
 void VentanaPrincipal::liberaOcupada()
@@ -291,7 +352,7 @@ void VentanaPrincipal::liberaOcupada()
             muestraError(describeCurrentException());
         }
     }
-    actualiza();
+    refresca();
 }
 
 void VentanaPrincipal::muestraError(const QString &texto)
@@ -314,7 +375,7 @@ void VentanaPrincipal::changeEvent(QEvent *evento)
 {
     // Back from one of the component's windows: what it saved shows at once.
     if (evento->type() == QEvent::ActivationChange && isActiveWindow())
-        actualiza();
+        refresca();
     QMainWindow::changeEvent(evento);
 }
 

@@ -6,9 +6,13 @@
 #include <QMainWindow>
 #include <QPointer>
 #include <QVariantList>
+#include <functional>
 
 class QAction;
-class QTableWidget;
+class QComboBox;
+class QDateEdit;
+class QLineEdit;
+class QTableView;
 
 namespace zuvi::anfitrion {
 class Sesion;
@@ -17,6 +21,7 @@ class Sesion;
 namespace zuvi::app {
 
 struct Desenlace;
+class ModeloOrdenes;
 
 class VentanaPrincipal : public QMainWindow
 {
@@ -24,8 +29,13 @@ class VentanaPrincipal : public QMainWindow
 public:
     VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccion, QWidget *padre = nullptr);
 
-    // Reads the orders again; keeps the selected order selected.
+    // Reads the orders again (as many as were loaded); keeps the selected
+    // order selected.
     void actualiza();
+    // Reads again only the orders this window acted on (the selected one and
+    // those opened in an editor) and the orders made since the last reading.
+    void refresca();
+    void leeLista(const std::function<void()> &lectura);
     // The order of the selected row, or 0.
     qint32 ordenSeleccionada() const;
     bool seleccionaOrden(qint32 op);
@@ -40,6 +50,9 @@ protected:
 
 private:
     void creaMenus();
+    QWidget *creaFiltros();
+    // Reads the list under what the filter bar holds; giraOrden turns the order.
+    void aplicaFiltro(bool giraOrden);
     void ajustaAcciones();
     void ajustaPorRol();
     // Calls a member of the component by name inside an error boundary, then
@@ -68,7 +81,13 @@ private:
 
     anfitrion::Sesion &m_sesion;
     QPointer<QObject> m_produccion;
-    QTableWidget *m_lista = nullptr;
+    QTableView *m_lista = nullptr;
+    ModeloOrdenes *m_modelo = nullptr;
+    QComboBox *m_estado = nullptr;
+    QDateEdit *m_desde = nullptr;
+    QDateEdit *m_hasta = nullptr;
+    QLineEdit *m_texto = nullptr;
+    QList<qint32> m_tocadas; // orders acted on here, read again by refresca()
     QAction *m_nueva = nullptr;
     QAction *m_modifica = nullptr;
     QAction *m_consulta = nullptr;

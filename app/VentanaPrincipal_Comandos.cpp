@@ -52,7 +52,7 @@ template <typename... A> bool VentanaPrincipal::llama(const char *metodo, A... a
     } catch (...) {
         muestraError(describeCurrentException());
     }
-    actualiza();
+    refresca();
     return ok;
 }
 
@@ -95,7 +95,7 @@ Desenlace VentanaPrincipal::lote(const QString &metodo, const QVariantList &valo
     }
     if (!d.resumen.isEmpty())
         anfitrion::interaccion().mensaje(d.resumen, d.completo ? 64 : 16);
-    actualiza();
+    refresca();
     return d;
 }
 
@@ -237,7 +237,7 @@ void VentanaPrincipal::SetFocus()
     raise();
     activateWindow();
     m_lista->setFocus(Qt::OtherFocusReason);
-    actualiza();
+    refresca();
 }
 
 } // namespace zuvi::app

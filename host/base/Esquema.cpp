@@ -4,6 +4,7 @@
 #include "host/sql/Sql.h"
 
 #include <QRegularExpression>
+#include <QSqlQuery>
 
 namespace zuvi::anfitrion {
 
@@ -171,6 +172,15 @@ const char *const kIndices[] = {
     "CREATE INDEX IF NOT EXISTS movimientos_articulo ON movimientos (articulo, almacen)",
 };
 
+// Indexes that keep the screens over years of history as fast as over a
+// month: the main window's list of orders not closed, newest first, and the
+// month roster's schedules by date. Every opening makes sure they exist, so
+// a database of any version gets them.
+const char *const kIndicesHistoria[] = {
+    "CREATE INDEX IF NOT EXISTS op_cerrado_op ON op (cerrado, op)",
+    "CREATE INDEX IF NOT EXISTS horarios_fecha ON horarios (fecha, Empleado, turno)",
+};
+
 // The first capture of a pattern in the text, or empty.
 QString primeraCaptura(const QString &texto, const char *patron)
 {
@@ -279,6 +289,8 @@ QStringList sentenciasIndices()
     QStringList r;
     for (const char *indice : kIndices)
         r << QLatin1String(indice);
+    for (const char *indice : kIndicesHistoria)
+        r << QLatin1String(indice);
     return r;
 }
 
@@ -302,6 +314,45 @@ void creaEsquema(const QSqlDatabase &db, Motor motor)
 {
     for (const QString &sql : sentenciasEsquema(motor))
         ejecuta(db, sql);
+    aseguraBusquedaArticulos(db, motor);
+}
+
+// --- Searching the articles in the database ---------------------------------
+
+void aseguraBusquedaArticulos(const QSqlDatabase &db, Motor motor)
+{
+    if (motor != Motor::SQLite)
+        return;
+    // The triggers go with prods when an upgrade rebuilds it: their absence
+    // says the index must be made or filled again.
+    // The host's own reading: it stays out of the statement trace.
+    QSqlQuery q(db);
+    if (q.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'trigger' AND "
+                              "name = 'prods_busqueda_cambia'")) &&
+        q.next() && q.value(0).toInt() > 0)
+        return;
+    const QString texto = QStringLiteral("new.articulo || ' ' || COALESCE(new.descrip, '')");
+    const QStringList sentencias = {
+        QStringLiteral("CREATE VIRTUAL TABLE IF NOT EXISTS prods_busqueda USING fts5(texto, "
+                       "tokenize = 'unicode61 remove_diacritics 2', prefix = '1 2 3')"),
+        QStringLiteral("DELETE FROM prods_busqueda"),
+        QStringLiteral("INSERT INTO prods_busqueda (rowid, texto) SELECT rowid, articulo || ' ' "
+                       "|| COALESCE(descrip, '') FROM prods"),
+        QStringLiteral("CREATE TRIGGER IF NOT EXISTS prods_busqueda_alta AFTER INSERT ON prods "
+                       "BEGIN INSERT INTO prods_busqueda (rowid, texto) VALUES (new.rowid, %1); "
+                       "END")
+            .arg(texto),
+        QStringLiteral("CREATE TRIGGER IF NOT EXISTS prods_busqueda_baja AFTER DELETE ON prods "
+                       "BEGIN DELETE FROM prods_busqueda WHERE rowid = old.rowid; END"),
+        QStringLiteral("CREATE TRIGGER IF NOT EXISTS prods_busqueda_cambia AFTER UPDATE ON prods "
+                       "BEGIN DELETE FROM prods_busqueda WHERE rowid = old.rowid; "
+                       "INSERT INTO prods_busqueda (rowid, texto) VALUES (new.rowid, %1); END")
+            .arg(texto),
+    };
+    Transaccion t(db);
+    for (const QString &sql : sentencias)
+        ejecuta(db, sql);
+    t.confirma();
 }
 
 QString causaDeRestriccion(const QString &texto)

@@ -56,6 +56,17 @@ QStringList tablasEsquema();
 
 void creaEsquema(const QSqlDatabase &db, Motor motor);
 
+// --- Searching the articles in the database ---------------------------------
+// On SQLite a full-text index of each article's code and description (case
+// and accents folded) is kept beside prods by triggers, its entries numbered
+// as the rows of prods. MariaDB searches the columns themselves.
+inline constexpr const char *kBusquedaArticulos = "prods_busqueda";
+
+// Makes the index and its triggers when they are missing (a new database, an
+// older one, or prods rebuilt by an upgrade) and fills it from prods. Does
+// nothing on MariaDB or when they are in place.
+void aseguraBusquedaArticulos(const QSqlDatabase &db, Motor motor);
+
 // Message catalogue and the default station.
 void insertaFilasBase(const QSqlDatabase &db, Motor motor);
 

@@ -16,6 +16,7 @@
 #include <QPainter>
 #include <QPdfWriter>
 #include <QRegularExpression>
+#include <QSqlQuery>
 
 namespace zuvi::anfitrion {
 
@@ -80,7 +81,7 @@ RolMes leeRolMes(const QSqlDatabase &db, int anio, int mes, const QString &turno
     if (!turno.isEmpty() && !descripcion.contains(turno))
         throw Error(QStringLiteral("El turno «%1» no existe.").arg(turno));
 
-    QMap<QString, int> indice; // employee -> row
+    QHash<QString, int> indice; // employee -> row
     QHash<QString, QString> turnoDe;
     const auto fila = [&](const QString &empleado) -> RolMes::Fila & {
         auto it = indice.find(empleado);
@@ -88,8 +89,7 @@ RolMes leeRolMes(const QSqlDatabase &db, int anio, int mes, const QString &turno
             it = indice.insert(empleado, int(rol.filas.size()));
             RolMes::Fila f;
             f.empleado = empleado;
-            for (int d = 0; d < rol.diasDelMes(); ++d)
-                f.dias << QString();
+            f.dias.resize(rol.diasDelMes());
             rol.filas << f;
         }
         return rol.filas[*it];
@@ -104,8 +104,10 @@ RolMes leeRolMes(const QSqlDatabase &db, int anio, int mes, const QString &turno
             fila(rs->text(1));
         }
     }
+    // The month's schedules in one forward pass over the index by date; each
+    // shift's code is settled once every shift in use is known.
     QStringList usados;
-    QList<std::tuple<QString, int, QString>> celdas;
+    QList<std::tuple<int, int, int>> celdas; // row, day, shift in usados
     {
         QString sql = QStringLiteral("SELECT Empleado, fecha, turno FROM horarios WHERE fecha >= ? "
                                      "AND fecha <= ?");
@@ -114,27 +116,33 @@ RolMes leeRolMes(const QSqlDatabase &db, int anio, int mes, const QString &turno
             sql += QStringLiteral(" AND turno = ?");
             valores << turno;
         }
-        RecordsetPtr rs = consulta(db, sql, valores);
-        for (; !rs->atEnd(); rs->moveNext()) {
-            const QVariant v = rs->value(1);
+        QSqlQuery q = ejecutaConValores(db, sql, valores);
+        QHash<QString, int> posicion; // shift -> index in usados
+        while (q.next()) {
+            const QVariant v = q.value(1);
             const QDate f = v.typeId() == QMetaType::QDate
                                 ? v.toDate()
-                                : QDate::fromString(rs->text(1).left(10), Qt::ISODate);
-            if (!f.isValid())
+                                : QDate::fromString(v.toString().left(10), Qt::ISODate);
+            if (!f.isValid() || f < desde || f > hasta)
                 continue;
-            const QString t = rs->text(2);
-            if (!usados.contains(t))
+            const QString t = q.value(2).toString();
+            auto p = posicion.find(t);
+            if (p == posicion.end()) {
+                p = posicion.insert(t, int(usados.size()));
                 usados << t;
-            celdas << std::make_tuple(rs->text(0), f.day() - 1, t);
+            }
+            const int renglon = int(&fila(q.value(0).toString()) - rol.filas.data());
+            celdas << std::make_tuple(renglon, f.day() - 1, *p);
         }
     }
+    const QStringList enHorarios = usados;
     for (const QString &t : descripcion.keys())
         if (!usados.contains(t) && (turno.isEmpty() || t == turno))
             usados << t;
     std::sort(usados.begin(), usados.end());
     const QHash<QString, QString> codigo = codigos(usados);
-    for (const auto &[empleado, dia, t] : celdas)
-        fila(empleado).dias[dia] = codigo.value(t);
+    for (const auto &[renglon, dia, t] : celdas)
+        rol.filas[renglon].dias[dia] = codigo.value(enHorarios.at(t));
     for (RolMes::Fila &f : rol.filas) {
         const int libre = descanso.value(turnoDe.value(f.empleado), 0);
         if (libre == 0)
@@ -224,6 +232,7 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
         y += renglon * 1.4;
 
         p.setFont(normal);
+        const QFontMetricsF medidas(normal);
         const int desde = pag * filasPorPagina;
         const int hasta = qMin(int(rol.filas.size()), desde + filasPorPagina);
         for (int i = desde; i < hasta; ++i) {
@@ -232,10 +241,12 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
                 p.fillRect(QRectF(0, y, ancho, renglon), QColor(244, 246, 250));
             p.drawText(QRectF(2, y, colEmpleado - 4, renglon), Qt::AlignVCenter, f.empleado);
             p.drawText(QRectF(colEmpleado + 2, y, colNombre - 4, renglon), Qt::AlignVCenter,
-                       QFontMetricsF(normal).elidedText(f.nombre, Qt::ElideRight, colNombre - 4));
+                       medidas.elidedText(f.nombre, Qt::ElideRight, colNombre - 4));
             for (int d = 0; d < dias; ++d) {
-                const QRectF celda(colEmpleado + colNombre + d * colDia, y, colDia, renglon);
                 const QString &texto = f.dias.at(d);
+                if (texto.isEmpty())
+                    continue;
+                const QRectF celda(colEmpleado + colNombre + d * colDia, y, colDia, renglon);
                 if (texto == u"D")
                     p.fillRect(celda.adjusted(1, 1, -1, -1), QColor(255, 236, 200));
                 p.drawText(celda, Qt::AlignCenter, texto);

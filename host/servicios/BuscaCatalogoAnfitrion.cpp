@@ -36,19 +36,26 @@ bool mueveEnLaTabla(const QKeyEvent *tecla)
 
 } // namespace
 
-// The rows the search leaves, over the rows read once.
+// The rows the search leaves: over the rows read once, or (a big catalogue)
+// as the database narrows them, a page at a time.
 class ModeloCatalogo : public QAbstractTableModel
 {
 public:
     ModeloCatalogo(const DefinicionCatalogo &catalogo, FilasCatalogo filas, QObject *padre)
-        : QAbstractTableModel(padre), m_catalogo(catalogo), m_filas(std::move(filas)),
-          m_visibles(m_filas.busca(QString()))
+        : QAbstractTableModel(padre), m_catalogo(catalogo), m_memoria(std::move(filas))
+    {
+    }
+    ModeloCatalogo(const DefinicionCatalogo &catalogo, std::unique_ptr<ConsultaCatalogo> consulta,
+                   QObject *padre)
+        : QAbstractTableModel(padre), m_catalogo(catalogo), m_consulta(std::move(consulta))
     {
     }
 
     int rowCount(const QModelIndex &padre = {}) const override
     {
-        return padre.isValid() ? 0 : int(m_visibles.size());
+        if (padre.isValid())
+            return 0;
+        return int(m_consulta ? m_filas.size() : m_visibles.size());
     }
     int columnCount(const QModelIndex &padre = {}) const override
     {
@@ -59,7 +66,7 @@ public:
         if (!indice.isValid() || indice.row() >= rowCount())
             return {};
         if (rol == Qt::DisplayRole)
-            return fila(indice.row()).celdas.value(indice.column());
+            return celdas(indice.row()).value(indice.column());
         return {};
     }
     QVariant headerData(int seccion, Qt::Orientation orientacion, int rol) const override
@@ -68,32 +75,91 @@ public:
             return m_catalogo.encabezados.value(seccion);
         return QAbstractTableModel::headerData(seccion, orientacion, rol);
     }
+    bool canFetchMore(const QModelIndex &padre) const override
+    {
+        return !padre.isValid() && m_consulta && m_consulta->hayMas();
+    }
+    void fetchMore(const QModelIndex &padre) override
+    {
+        if (!canFetchMore(padre))
+            return;
+        // Asked from the view's event loop: a failed read only ends the list.
+        std::vector<QStringList> mas;
+        swallowErrors([&] { mas = m_consulta->sigue(); });
+        if (mas.empty())
+            return;
+        const int n = rowCount();
+        beginInsertRows({}, n, n + int(mas.size()) - 1);
+        std::move(mas.begin(), mas.end(), std::back_inserter(m_filas));
+        endInsertRows();
+    }
 
+    // Throws Error when the database could not search.
     void busca(const QString &texto)
     {
         beginResetModel();
-        m_visibles = m_filas.busca(texto);
+        m_filas.clear();
+        m_visibles.clear();
+        try {
+            if (m_consulta)
+                m_filas = m_consulta->busca(texto);
+            else
+                m_visibles = m_memoria.busca(texto);
+        } catch (...) {
+            endResetModel();
+            throw;
+        }
         endResetModel();
     }
-    const FilaCatalogo &fila(int visible) const
+    const QStringList &celdas(int visible) const
     {
-        return m_filas.fila(m_visibles[size_t(visible)]);
+        return m_consulta ? m_filas[size_t(visible)]
+                          : m_memoria.fila(m_visibles[size_t(visible)]).celdas;
     }
-    int total() const { return m_filas.total(); }
+    int total() const { return m_consulta ? m_consulta->total() : m_memoria.total(); }
+    // The total as the label says it: "más de N" when only counted up to N.
+    QString totalTexto() const
+    {
+        return m_consulta && !m_consulta->totalExacto() ? QStringLiteral("más de %1").arg(total())
+                                                        : QString::number(total());
+    }
+    // How many rows the search matches; -1 when not known.
+    int coincidencias() const
+    {
+        return m_consulta ? m_consulta->coincidencias() : int(m_visibles.size());
+    }
+    bool enOrdenDeAlta() const { return m_consulta && m_consulta->enOrdenDeAlta(); }
 
 private:
     const DefinicionCatalogo &m_catalogo;
-    FilasCatalogo m_filas;
+    FilasCatalogo m_memoria;
     std::vector<int> m_visibles;
+    std::unique_ptr<ConsultaCatalogo> m_consulta;
+    std::vector<QStringList> m_filas;
 };
 
 DialogoCatalogo::DialogoCatalogo(const DefinicionCatalogo &catalogo, FilasCatalogo filas,
                                  const QString &filtro, QWidget *padre)
     : QDialog(padre), m_catalogo(catalogo), m_filtro(filtro.trimmed())
 {
+    m_modelo = new ModeloCatalogo(catalogo, std::move(filas), this);
+    construye();
+}
+
+DialogoCatalogo::DialogoCatalogo(const DefinicionCatalogo &catalogo,
+                                 std::unique_ptr<ConsultaCatalogo> consulta, const QString &filtro,
+                                 QWidget *padre)
+    : QDialog(padre), m_catalogo(catalogo), m_filtro(filtro.trimmed())
+{
+    m_modelo = new ModeloCatalogo(catalogo, std::move(consulta), this);
+    construye();
+}
+
+void DialogoCatalogo::construye()
+{
+    const DefinicionCatalogo &catalogo = m_catalogo;
     setWindowTitle(catalogo.titulo);
     setObjectName(QStringLiteral("BuscaCatalogo"));
-    m_modelo = new ModeloCatalogo(catalogo, std::move(filas), this);
 
     auto *etiqueta = new QLabel(QStringLiteral("&Buscar (código o descripción):"), this);
     m_buscador = new QLineEdit(this);
@@ -158,20 +224,39 @@ QString DialogoCatalogo::estado() const
 
 void DialogoCatalogo::busca(const QString &texto)
 {
-    m_modelo->busca(texto);
+    try {
+        m_modelo->busca(texto);
+    } catch (...) {
+        m_estado->setText(
+            QStringLiteral("No se pudo buscar en el catálogo: %1").arg(describeCurrentException()));
+        return;
+    }
     const int visibles = m_modelo->rowCount();
+    const int total = m_modelo->total();
+    const int coinciden = m_modelo->coincidencias();
     if (visibles > 0) {
         m_tabla->setCurrentIndex(m_modelo->index(0, 0));
-        QString linea =
-            visibles == m_modelo->total()
-                ? QStringLiteral("%1 registros").arg(visibles)
-                : QStringLiteral("%1 de %2 registros").arg(visibles).arg(m_modelo->total());
+        // "N registros", "M de N registros", or, where only the pages read
+        // tell, "Más de M de N registros"; N may itself be "más de 10000".
+        const QString todos = m_modelo->totalTexto();
+        QString linea;
+        if (coinciden >= 0 && coinciden == total)
+            linea = QStringLiteral("%1 registros").arg(todos);
+        else if (coinciden >= 0)
+            linea = QStringLiteral("%1 de %2 registros").arg(coinciden).arg(todos);
+        else if (texto.trimmed().isEmpty())
+            linea = QStringLiteral("Más de %1 registros").arg(total);
+        else
+            linea = QStringLiteral("Más de %1 de %2 registros").arg(visibles).arg(todos);
+        if (m_modelo->enOrdenDeAlta())
+            linea += QStringLiteral(", en el orden en que se dieron de alta (escriba más para "
+                                    "acotar)");
         if (!m_filtro.isEmpty())
             linea += QStringLiteral(" (solo %1)").arg(m_filtro);
         m_estado->setText(linea + QStringLiteral(". Enter elige, Esc cierra."));
-    } else if (m_modelo->total() == 0 && m_filtro.isEmpty()) {
+    } else if (total == 0 && m_filtro.isEmpty()) {
         m_estado->setText(QStringLiteral("El catálogo está vacío: no hay nada que elegir."));
-    } else if (m_modelo->total() == 0) {
+    } else if (total == 0) {
         m_estado->setText(
             QStringLiteral("Ningún registro del catálogo cumple \"%1\": no hay nada que elegir.")
                 .arg(m_filtro));
@@ -186,7 +271,7 @@ void DialogoCatalogo::elige()
     const QModelIndex actual = m_tabla->currentIndex();
     if (!actual.isValid() || actual.row() >= m_modelo->rowCount())
         return; // nothing to choose: the dialog stays open
-    m_clave = m_modelo->fila(actual.row()).celdas.value(m_catalogo.columnaClave);
+    m_clave = m_modelo->celdas(actual.row()).value(m_catalogo.columnaClave);
     accept();
 }
 
@@ -226,9 +311,19 @@ void BuscaCatalogoAnfitrion::Muestra(const QString &titulo, const QString &filtr
     if (!m_destino)
         throw Error(QStringLiteral("El catálogo \"%1\" no tiene caja destino.").arg(titulo));
 
-    FilasCatalogo filas = FilasCatalogo::lee(*catalogo, filtro, m_ambiente->Conexion());
-    muestraYEscribe(new DialogoCatalogo(*catalogo, std::move(filas), filtro, m_destino->window()),
-                    [](const DialogoCatalogo &d) { return d.claveElegida(); });
+    // The articles may be a million: the database narrows them. The other
+    // catalogues are read once and narrowed in memory.
+    DialogoCatalogo *dialogo = nullptr;
+    if (catalogo->tabla == QLatin1String("prods"))
+        dialogo = new DialogoCatalogo(
+            *catalogo,
+            std::make_unique<ConsultaCatalogo>(*catalogo, filtro, m_ambiente->Conexion()), filtro,
+            m_destino->window());
+    else
+        dialogo = new DialogoCatalogo(*catalogo,
+                                      FilasCatalogo::lee(*catalogo, filtro, m_ambiente->Conexion()),
+                                      filtro, m_destino->window());
+    muestraYEscribe(dialogo, [](const DialogoCatalogo &d) { return d.claveElegida(); });
 }
 
 } // namespace zuvi::anfitrion

@@ -18,9 +18,12 @@
 #include "contract/Servicios.h"
 #include "host/interaccion/DialogoDestino.h"
 #include "host/servicios/Catalogos.h"
+#include "host/servicios/ConsultaCatalogo.h"
 
 #include <QDialog>
 #include <QLineEdit>
+
+#include <memory>
 
 class QLabel;
 class QTableView;
@@ -35,6 +38,9 @@ class DialogoCatalogo : public QDialog
 public:
     DialogoCatalogo(const DefinicionCatalogo &catalogo, FilasCatalogo filas, const QString &filtro,
                     QWidget *padre = nullptr);
+    // Over the database, which narrows the rows and hands them a page at a time.
+    DialogoCatalogo(const DefinicionCatalogo &catalogo, std::unique_ptr<ConsultaCatalogo> consulta,
+                    const QString &filtro, QWidget *padre = nullptr);
     ~DialogoCatalogo() override;
 
     // The key of the row chosen with Enter or a double click; empty before.
@@ -46,6 +52,7 @@ protected:
     bool eventFilter(QObject *objeto, QEvent *evento) override;
 
 private:
+    void construye();
     void busca(const QString &texto);
     void elige();
 

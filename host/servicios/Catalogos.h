@@ -2,7 +2,9 @@
 
 // The catalogues the lookup dialog offers, by the caption the editor shows
 // them with, and the rows of one catalogue read into memory so the dialog can
-// narrow them as the user types without asking the database again.
+// narrow them as the user types without asking the database again. The
+// articles, which may be many, are narrowed by the database instead
+// (host/servicios/ConsultaCatalogo.h).
 //
 //   "Conceptos de Op al inventario"  conceptos (concepto, descrip); writes concepto
 //   "Articulos"                      prods (articulo, descrip, unidad); writes articulo

@@ -24,28 +24,36 @@ private slots:
         auto produccion = app::creaProduccion(base.ambiente());
         app::VentanaPrincipal ventana(base.sesion(), produccion.get());
         auto accion = [&](const char *nombre) { return ventana.findChild<QAction *>(nombre); };
-        auto columna = [lista = ventana.findChild<QTableWidget *>("lstOrdenes")](int c) {
+        auto *lista = ventana.findChild<QTableView *>("lstOrdenes");
+        auto columna = [lista](int c) {
             QString s;
-            for (int f = 0; f < lista->rowCount(); ++f)
-                s += lista->item(f, c)->text() + '|';
+            for (int f = 0; f < lista->model()->rowCount(); ++f)
+                s += lista->model()->index(f, c).data().toString() + '|';
             return s;
         };
 
         QCOMPARE(ventana.objectName(), QStringLiteral("frmMaster")); // the component looks for it
         QCOMPARE(produccion->property("Parent").value<QObject *>(), &ventana);
-        QCOMPARE(columna(0) + columna(6), "1|2|3|2|1|0|"); // orders, then their line counts
+        QCOMPARE(columna(0) + columna(6), "3|2|1|0|1|2|"); // newest first, then their line counts
         QVERIFY(!accion("actEntregar")->isEnabled() && !accion("actCancelar")->isEnabled());
         QVERIFY(ventana.seleccionaOrden(2));
         QVERIFY(accion("actEntregar")->isEnabled() && accion("actCancelar")->isEnabled());
-        // Changes made behind the window's back show on refresh; the selection stays.
+        // Changes made behind the window's back show on refresh; the selection stays. A
+        // closed order leaves the list until the filter asks for every order.
         base.ejecuta(QStringLiteral("UPDATE op SET cerrado = 1 WHERE op = 2"));
         ventana.actualiza();
-        QVERIFY(columna(5) == "|Sí||" && ventana.ordenSeleccionada() == 2);
+        QVERIFY(columna(0) == "3|1|" && ventana.ordenSeleccionada() == 0);
+        ventana.findChild<QComboBox *>("cmbEstado")->setCurrentText("Todas");
+        QVERIFY(columna(5) == "|Sí||" && ventana.seleccionaOrden(2));
+        ventana.findChild<QLineEdit *>("txtBuscar")->setText("2");
+        QTRY_COMPARE(columna(0), "2|");
+        ventana.findChild<QLineEdit *>("txtBuscar")->clear();
+        QTRY_COMPARE(columna(0), "3|2|1|");
 
         QVERIFY(ventana.seleccionaOrden(3));
         guion->respuestas({true, false, true});
         accion("actCancelar")->trigger();
-        QCOMPARE(columna(0), "1|2|");
+        QCOMPARE(columna(0), "2|1|");
         QVERIFY(ventana.ordenSeleccionada() == 0 && !accion("actCancelar")->isEnabled());
         const char *resto = "SELECT COUNT(*) FROM oppart WHERE op = 1 AND terminado <> cantidad";
         QVERIFY(ventana.seleccionaOrden(1));

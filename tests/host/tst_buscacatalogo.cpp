@@ -198,6 +198,54 @@ private slots:
         QCOMPARE(dialogo.filasVisibles(), 10); // A09990 to A09999
         QCOMPARE(claves(&dialogo).left(6), QStringLiteral("A09990"));
     }
+
+    // The articles narrowed by the database: every word in the code or the description, case
+    // and accents ignored, the rows in pages in the catalogue's order; what the triggers keep.
+    void articulosEnLaBase()
+    {
+        for (int i = 0; i < 250; ++i)
+            m_base->ejecuta(QStringLiteral("INSERT INTO prods (articulo, descrip, kit) VALUES "
+                                           "('Z%1', '%2 n%3', %4)")
+                                .arg(i, 3, 10, QLatin1Char('0'))
+                                .arg(i % 2 ? "Ménsula de ACERO" : "Bisagra latón")
+                                .arg(i)
+                                .arg(i % 50 == 0 ? 1 : 0));
+        m_base->ejecuta("UPDATE prods SET descrip = 'Escuadra' WHERE articulo = 'Z001'");
+        m_base->ejecuta("DELETE FROM prods WHERE articulo = 'Z003'");
+        const struct
+        {
+            const char *busqueda, *filtro;
+            int filas;
+            const char *primeras;
+        } casos[] = {
+            {"", "", 257, "PAQ-TORN PINT-01"},
+            {"MENSULA acero", "", 123, "Z005 Z007"},
+            {"laton BISAGRA", "", 125, "Z000 Z002"},
+            {"z00", "", 9, "Z000 Z001 Z002 Z004"},
+            {"escuadra", "", 1, "Z001"},
+            {"bisagra", "kit <> 0", 5, "Z000 Z050"},
+            {"mensula tuerca", "", 0, ""},
+        };
+        const DefinicionCatalogo &art = *definicionCatalogo("Articulos");
+        for (const auto &c : casos) {
+            ConsultaCatalogo consulta(art, c.filtro, m_base->conexion());
+            std::vector<QStringList> filas = consulta.busca(QString::fromUtf8(c.busqueda));
+            if (!*c.busqueda) // the whole catalogue comes a page at a time
+                QCOMPARE(int(filas.size()), ConsultaCatalogo::kPagina);
+            while (consulta.hayMas())
+                for (QStringList &f : consulta.sigue())
+                    filas.push_back(f);
+            QStringList claves;
+            for (const QStringList &f : filas)
+                claves << f.at(0);
+            QCOMPARE(claves.size(), c.filas);
+            QStringList enOrden = claves;
+            std::sort(enOrden.begin(), enOrden.end());
+            QCOMPARE(claves, enOrden);
+            QCOMPARE(claves.mid(0, QString(c.primeras).count(' ') + 1).join(' '),
+                     QString::fromUtf8(c.primeras));
+        }
+    }
 };
 
 QTEST_MAIN(TstBuscaCatalogo)

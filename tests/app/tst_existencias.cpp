@@ -1,7 +1,8 @@
 // Stock through the executable's doors: a station that allows negative stock
-// posts and warns; assemblies, disassemblies and deliveries post as much as
-// they take out; a delivery short of a component posts nothing; an order's
-// material needs, as text and as CSV.
+// posts and warns; a delivery posts as much as it takes out; an order's
+// material needs, as text and as CSV. What a batch operation may take out is
+// proved by the host's stock rules, the movements each one posts over a real
+// database.
 
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/Corrida.h"
@@ -47,11 +48,7 @@ private slots:
             {"UPDATE estaciones SET existencianegativa = 1", "ensamble SOPORTE 3 5000", 0,
              "Aviso|TORN-01|faltan 15,000|terminado",
              "SELECT cantidad FROM existencias WHERE articulo = 'TORN-01'", "-15000"},
-            {"", "ensamble SOPORTE 3 3", 0, "terminado", kBalance, "0 15.2"},
-            {"", "desensamble SOPORTE 2 3", 0, "terminado", kBalance, "0 15.2"},
             {"", "entrega 1", 0, "entregado", kBalance, "0 15.2"},
-            {torn10, "entrega 2", 1,
-             "orden de producción 2|TORN-01|se necesitan 50, hay 10, faltan 40", cuantos, "0"},
             {torn10, "materiales 2 --csv", 0,
              "articulo,descripcion,almacen,nombre_almacen,necesario,existencia,faltante\n"
              "TORN-01,\"Tornillo 1/4\"\"\",1,Almacén general,50,10,40\n"

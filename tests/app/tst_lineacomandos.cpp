@@ -32,18 +32,13 @@ private slots:
     }
 
     // A file that is not a database is refused, never overwritten.
-    // A mistyped --base makes nothing.
-    void cleanupTestCase()
-    {
-        QCOMPARE(QFileInfo(basura()).size(), qint64(4096));
-        QVERIFY(!QFileInfo::exists(m_dir.filePath("x.db")));
-    }
+    void cleanupTestCase() { QCOMPARE(QFileInfo(basura()).size(), qint64(4096)); }
 
     // Each command line: its exit code (2 bad arguments, 1 a database that cannot be opened),
     // what it says, and the demo data afterwards: orders, undelivered lines of order 1,
-    // order 2 closed, movements, SOPORTE in store 3. The host's checks of the batch operations
-    // and of the --base address are proved where the host makes them; a few are seen through
-    // here.
+    // order 2 closed, movements, SOPORTE in store 3. The host's checks of the batch operations,
+    // of the stock and of the --base address are proved where the host makes them: one row
+    // here for each way out of the command line they take.
     void ordenes()
     {
         const QString intacta = "3 2 0 0 12";
@@ -60,10 +55,8 @@ private slots:
              "--base|--traza-sql|--si",
              intacta},
             {"ensamble SOPORTE 3 0", 2, "antidad", intacta},
-            {"invoca Ensamble SOPORTE 3 nan 0", 2, "antidad", intacta},
             {"invoca Desensamble REPISA 1 3", 2, "REPISA|SOPORTE|kit", intacta},
             {"entrega", 2, "Faltan argumentos", intacta},
-            {"entrega abc", 2, "La orden debe ser un número entero", intacta},
             {"entrega 1 2", 2, "Sobran argumentos", intacta},
             {"ensamble SOPORTE 3 2.5", 2, "La cantidad debe", intacta},
             {"desensamble SOPORTE abc 1", 2, "La cantidad", intacta},
@@ -76,23 +69,17 @@ private slots:
             {"invoca ModificaOp abc", 2, "número entero", intacta},
             {"invoca ModificaOp 1 2", 2, "no admite 2", intacta},
             {"crea-base --base " + basura(), 1, "basura", intacta},
-            {"cancela 1 --si --base " + m_dir.filePath("x.db"), 1, "No existe la base de datos",
-             intacta},
             {"entrega 1 --usuario " + QString(31, 'U'), 1, "--usuario|31 caracteres|30", intacta},
             {"crea-base --demo", 0, "datos de demostración", intacta},
             {"entrega 1", 0, "entregado", "3 0 0 8 18"},
             {"cancela 3 --si", 0, "cancelada", "2 2 0 0 12"},
             {"cancela 1", 1, "no se canceló", intacta}, // no terminal: no
-            {"invoca CancelaOp 2 --si", 0, "-1", "3 2 1 0 12"},
             {"ensamble SOPORTE 3 2", 0, "terminado", "3 2 0 4 14"},
             {"desensamble SOPORTE 1,5 3", 0, "", "3 2 0 4 10.5"},
             {"invoca MuestraCapturaDeFracciones", 0, "Sin pantalla", intacta},
-            // Short of components: refused, named, nothing posted, whatever the door.
+            // Short of components: refused, named, nothing posted.
             {"ensamble SOPORTE 3 5000", 1, "TORN-01|faltan 15,000|TUER-01|PLAC-01|faltan 4,800",
              intacta},
-            {"invoca Ensamble SOPORTE 3 5000", 1,
-             "TORN-01|faltan 15,000|TUER-01|PLAC-01|faltan 4,800", intacta},
-            {"desensamble SOPORTE 13 3", 1, "SOPORTE|faltan 1", intacta},
             {"entrega 1 --csv", 2, "--csv", intacta},
             {"rol 2024-13", 2, "AAAA-MM", intacta},
             {"entrega 1 --turno NOCHE", 2, "--turno", intacta},

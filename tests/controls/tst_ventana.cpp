@@ -11,6 +11,7 @@
 #include <QIntValidator>
 #include <QKeySequence>
 #include <QLineEdit>
+#include <QMimeData>
 #include <QRegularExpression>
 #include <QScreen>
 #include <QScrollBar>
@@ -245,7 +246,10 @@ private Q_SLOTS:
         QVERIFY(v);
         QLineEdit *campo = v->campo(3);
         campo->setMaxLength(4);
-        QGuiApplication::clipboard()->setText(QString::fromUtf8("a1\x01\tb\xff c d e"));
+        auto *datos = new QMimeData; // bytes that are not UTF-8, control characters
+        datos->setData(QStringLiteral("text/plain"), QByteArray("\xff\xfe"
+                                                                "a1\x01\tb\xc3\r\n\x7f c d e"));
+        QGuiApplication::clipboard()->setMimeData(datos);
         QTest::keyClick(v->windowHandle(), Qt::Key_V, Qt::ControlModifier);
         QCOMPARE(campo->text(), QStringLiteral("ab c"));
         QCOMPARE(v->registro.filter("KeyPress").size(), 5); // a 1 b blank c

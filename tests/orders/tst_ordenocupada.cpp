@@ -11,9 +11,10 @@
 #include "host/base/Reclamos.h"
 #include "orders/frmOp.h"
 #include "tests/support/BaseDePrueba.h"
+#include "tests/support/Corrida.h"
 #include "tests/support/InteraccionGuionada.h"
+#include "tests/support/Ventanas.h"
 
-#include <QProcess>
 #include <QSqlQuery>
 #include <QtTest>
 #include <QtWidgets>
@@ -22,32 +23,10 @@
 #include <thread>
 
 using namespace zuvi;
+using pruebas::corre;
+using pruebas::Corrida;
 
 namespace {
-
-struct Corrida
-{
-    int codigo = -1;
-    QString salida, errores;
-};
-
-Corrida corre(const QStringList &args)
-{
-    QProcess p;
-    p.start(ZUVI_BIN_DIR "/zuvi-produccion", args);
-    p.closeWriteChannel();
-    const bool normal = p.waitForFinished(180000) && p.exitStatus() == QProcess::NormalExit;
-    return {normal ? p.exitCode() : -1, QString::fromUtf8(p.readAllStandardOutput()),
-            QString::fromUtf8(p.readAllStandardError())};
-}
-
-frmOp *editor()
-{
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *f = qobject_cast<frmOp *>(w); f && !f->descargada())
-            return f;
-    return nullptr;
-}
 
 // A claim nobody holds any longer: no such process, no such server session.
 const char kReclamoMuerto[] = "INSERT INTO reclamos (op, usuario, estacion, equipo, proceso, "
@@ -73,7 +52,7 @@ private Q_SLOTS:
         auto guion = pruebas::InteraccionGuionada::instala();
         auto produccion = app::creaProduccion(base.ambiente());
         QMetaObject::invokeMethod(produccion.get(), "ModificaOp", Q_ARG(qint32, 1));
-        QPointer<frmOp> f = editor();
+        QPointer<frmOp> f = pruebas::ventanaAbierta<frmOp>();
         QVERIFY(f);
         QCOMPARE(base.escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
 
@@ -86,22 +65,22 @@ private Q_SLOTS:
             " ADMIN " + base.escalar("SELECT texto FROM mensajes WHERE numero = 76").toString();
         const Corrida otra =
             corre(QStringList{"invoca", "ModificaOp", "1"} + base.otraCuenta("OTRO", "captura"));
-        QVERIFY2(otra.errores.contains(texto), qPrintable(otra.errores));
-        QVERIFY(!otra.errores.contains("Sin pantalla")); // no window was opened
+        QVERIFY2(otra.error.contains(texto), qPrintable(otra.error));
+        QVERIFY(!otra.error.contains("Sin pantalla")); // no window was opened
         const Corrida vista =
             corre(QStringList{"invoca", "ConsultaOp", "1"} + base.otraCuenta("OTRO", "captura"));
         QCOMPARE(vista.codigo, 0);
-        QVERIFY2(vista.errores.contains("Sin pantalla"), qPrintable(vista.errores));
+        QVERIFY2(vista.error.contains("Sin pantalla"), qPrintable(vista.error));
         // The viewer neither marked nor released the order.
         QCOMPARE(base.escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
         const QString titular = "ADMIN en la estación 1";
-        QVERIFY2(otra.errores.contains(titular), qPrintable(otra.errores));
+        QVERIFY2(otra.error.contains(titular), qPrintable(otra.error));
         // The batch operations refuse it too, naming the holder, and change nothing.
         for (const QStringList &lote :
              {QStringList{"cancela", "1", "--si"}, QStringList{"entrega", "1", "--si"},
               QStringList{"ensamble", "SOPORTE", "3", "1", "1"}}) {
             const Corrida c = corre(lote + QStringList{"--base", base.url(), "--usuario", "OTRO"});
-            QVERIFY2(c.codigo != 0 && c.errores.contains(titular), qPrintable(c.errores));
+            QVERIFY2(c.codigo != 0 && c.error.contains(titular), qPrintable(c.error));
         }
         QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), 0);
         QCOMPARE(base.escalar("SELECT COUNT(*) FROM op WHERE op = 1").toInt(), 1);
@@ -167,7 +146,7 @@ private Q_SLOTS:
         base.ejecuta("UPDATE op SET ocupado = 1 WHERE op = 3");
         auto produccion = app::creaProduccion(base.ambiente());
         app::llamaMiembro(produccion.get(), base.conexion(), "ModificaOp", {3});
-        QPointer<frmOp> f = editor();
+        QPointer<frmOp> f = pruebas::ventanaAbierta<frmOp>();
         QVERIFY(f);
         const QString dicho = guion->textosMensajes().join('\n');
         QVERIFY2(dicho.contains("LAURA en la estación 7") && dicho.contains("se liberó"),
@@ -297,7 +276,7 @@ private Q_SLOTS:
         QVERIFY(QTest::qWaitForWindowActive(&ventana));
         lista->setFocus();
         QTest::keyClick(ventana.windowHandle(), Qt::Key_Return);
-        QPointer<frmOp> f = editor();
+        QPointer<frmOp> f = pruebas::ventanaAbierta<frmOp>();
         QVERIFY(f);
         QCOMPARE(f->Modo, QStringLiteral("MODIFICACION"));
         QCOMPARE(f->Parent.data(), &ventana);

@@ -88,11 +88,7 @@ struct AccesoDatosGuionado : Guionado<anfitrion::AccesoDatosAnfitrion>
         documento = 77;
         return 500;
     }
-    QDate ComponeFecha(qint32 a, qint32 b) override
-    {
-        m->anota("ComponeFecha", {QString::number(a), QString::number(b)});
-        return QDate(2024, 5, 17);
-    }
+    QDate ComponeFecha(qint32, qint32) override { return QDate(2024, 5, 17); }
 };
 
 struct ControlProcesosGuionado : Guionado<ControlProcesos>
@@ -101,10 +97,7 @@ struct ControlProcesosGuionado : Guionado<ControlProcesos>
 
     void IniciaProceso(ArgumentosProceso &a) override
     {
-        m->anota("IniciaProceso", {a.proceso, nombre(a.objeto), nombre(a.ambiente), valor(a.valor),
-                                   nombre(a.referencia), QString::number(a.bandera),
-                                   QString::number(a.numero), texto(a.texto), texto(a.textoNulo),
-                                   texto(a.textoFinal), nombre(a.referenciaFinal)});
+        m->anota("IniciaProceso", {a.proceso, nombre(a.objeto)});
         m_ultima = a.proceso;
     }
     void ConsultaProceso(VBool &bandera) override
@@ -154,9 +147,8 @@ struct DocumentoGuionado : Guionado<DocumentoInventario>
     void PonArticulo(const QString &a) override { pon("Articulo", texto(a)); }
     void PonCantidad(double c) override { pon("Cantidad", QString::number(c)); }
     void PonCosto(double c) override { pon("Costo", QString::number(c)); }
-    double AplicaMovimiento(qint32 &n) override
+    double AplicaMovimiento(qint32 &) override
     {
-        pon("Aplica", QString::number(n));
         QStringList movimiento{objectName()};
         for (const char *campo : {"Tipo", "Orden", "Almacen", "Articulo", "Cantidad"})
             movimiento << m_campos.value(campo);
@@ -165,17 +157,7 @@ struct DocumentoGuionado : Guionado<DocumentoInventario>
     }
 
 private:
-    void pon(const char *campo, const QString &v)
-    {
-        m_campos.insert(campo, v);
-        QStringList &r = m->registro;
-        const QString prefijo = objectName() + QStringLiteral(": ");
-        const QString entrada = QString::fromLatin1(campo) + QLatin1Char('=') + v;
-        if (!r.isEmpty() && r.last().startsWith(prefijo) && !r.last().contains(" Aplica="))
-            r.last() += QLatin1Char(' ') + entrada;
-        else
-            r << prefijo + entrada;
-    }
+    void pon(const char *campo, const QString &v) { m_campos.insert(campo, v); }
 
     QHash<QString, QString> m_campos; // as last set, for the movement line
 };

@@ -1,7 +1,7 @@
 #pragma once
 
 // A scripted host for component tests: Ambiente, AccesoDatos, ControlProcesos,
-// DocumentoInventario and VentanaProgreso that write every call, with its
+// DocumentoInventario and VentanaProgreso that write their calls, with their
 // arguments, into one ordered log and answer as the test says. While an
 // AnfitrionGuionado lives its classes stand in the class registry under the
 // host's class names (the module-wide objects are forgotten on both ends).
@@ -9,9 +9,8 @@
 //
 // Log lines are "Operation: arg | arg | ...". Texts appear as they stand,
 // the empty text as '' and a null text as nulo; tagged values as type:value.
-// Calls in a row to one movement document share a line, "Documento1: Tipo=S
-// Articulo=C1 ...", which AplicaMovimiento ("Aplica=0") ends. A progress
-// window's destruction is logged as "Libera".
+// A movement document's calls are not logged: each AplicaMovimiento adds a
+// line to movimientos. A progress window's destruction is logged as "Libera".
 
 #include "contract/Servicios.h"
 #include "runtime/Recordset.h"

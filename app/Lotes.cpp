@@ -254,7 +254,9 @@ Desenlace entregaResto(QObject *produccion, const QSqlDatabase &db, qint32 op)
                 {l.id});
     } catch (...) {
         d.completo = false;
-        d.resumen += QStringLiteral("\nNo se pudieron marcar como terminadas las líneas "
+        if (!d.resumen.isEmpty())
+            d.resumen += u'\n';
+        d.resumen += QStringLiteral("No se pudieron marcar como terminadas las líneas "
                                     "entregadas de la orden %1: %2")
                          .arg(op)
                          .arg(describeCurrentException());

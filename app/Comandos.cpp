@@ -230,13 +230,26 @@ int invoca(const LineaComandos &lc)
 
 int entrega(const LineaComandos &lc)
 {
-    exigeArgumentos(lc, 1, 1, QStringLiteral("entrega OP [--si]"));
+    exigeArgumentos(lc, 1, 1, QStringLiteral("entrega OP [--resto] [--si]"));
     const qint32 op = entero(lc.argumentos.at(0), QStringLiteral("La orden"));
     auto sesion = abreSesion(lc);
     auto produccion = creaProduccion(sesion->ambiente());
-    const Desenlace d =
-        llamaLote(*sesion, produccion.get(), QStringLiteral("EntregaProductoTerminado"), {op});
-    return termina(d, QStringLiteral("Producto terminado de la orden %1 entregado.").arg(op));
+    Desenlace d;
+    if (lc.resto) {
+        try {
+            d = entregaResto(produccion.get(), sesion->conexion(), op);
+        } catch (const anfitrion::Faltante &e) {
+            throw Error(e.description());
+        } catch (const anfitrion::Rechazo &e) {
+            throw ErrorDeUso(e.description());
+        }
+    } else {
+        d = llamaLote(*sesion, produccion.get(), QStringLiteral("EntregaProductoTerminado"), {op});
+    }
+    return termina(d, lc.resto ? d.hecho
+                               : QStringLiteral("Producto terminado de la orden %1 entregado. %2")
+                                     .arg(op)
+                                     .arg(d.hecho));
 }
 
 int ensamble(const LineaComandos &lc)

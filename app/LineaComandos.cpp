@@ -115,6 +115,9 @@ LineaComandos LineaComandos::lee(const QStringList &argumentosPrograma)
         } else if (nombre == QLatin1String("--simula")) {
             sinValor();
             lc.simula = true;
+        } else if (nombre == QLatin1String("--resto")) {
+            sinValor();
+            lc.resto = true;
         } else if (nombre == QLatin1String("--rol")) {
             lc.roles << valorDe();
         } else if (nombre == QLatin1String("--almacen")) {
@@ -133,6 +136,7 @@ LineaComandos LineaComandos::lee(const QStringList &argumentosPrograma)
     if (!lc.turno.isEmpty() && lc.orden != QLatin1String("rol"))
         throw Error(QStringLiteral("La opción --turno solo vale con la orden rol."));
     exigeOrden(lc.simula, QStringLiteral("--simula"), lc.orden, {QStringLiteral("importa")});
+    exigeOrden(lc.resto, QStringLiteral("--resto"), lc.orden, {QStringLiteral("entrega")});
     exigeOrden(!lc.roles.isEmpty(), QStringLiteral("--rol"), lc.orden, {QStringLiteral("usuario")});
     const QStringList inventario = {QStringLiteral("existencias"), QStringLiteral("movimientos")};
     exigeOrden(lc.csv, QStringLiteral("--csv"), lc.orden,
@@ -185,7 +189,9 @@ QString textoAyuda()
         "  desregistra                 quita el componente del registro\n"
         "  invoca METODO [ARG...]      llama a un método del componente por su nombre\n"
         "                              e imprime su resultado, si lo tiene\n"
-        "  entrega OP                  entrega el producto terminado de la orden OP\n"
+        "  entrega OP [--resto]        entrega el producto terminado de la orden OP; con\n"
+        "                              --resto, solo las líneas que aún no tienen entrada\n"
+        "                              (una entrega que se cortó a la mitad)\n"
         "  ensamble ARTICULO ALMACEN CANTIDAD [OP]\n"
         "                              ensambla CANTIDAD kits ARTICULO en ALMACEN\n"
         "  desensamble ARTICULO CANTIDAD ALMACEN [OP]\n"

@@ -20,6 +20,7 @@ struct LineaComandos
     QString idioma;        // --idioma (a Spanish locale; empty: ZUVI_IDIOMA or es_MX)
     QString turno;         // --turno (rol)
     bool simula = false;   // --simula (importa)
+    bool resto = false;    // --resto (entrega)
     bool csv = false;      // --csv (materiales, existencias, movimientos)
     QString almacen;       // --almacen (existencias, movimientos)
     QStringList roles;     // --rol (usuario)

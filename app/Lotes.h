@@ -21,6 +21,7 @@ struct Desenlace
     bool completo = false; // ran with no error report and, for a delivery, every line delivered
     QVariant valor;        // what the member returned, when it returns something
     QString resumen;       // what went wrong or was left undone, for the person; may be empty
+    QString hecho;         // for a delivery, the lines it posted, named
 };
 
 // Calls a member with values of its parameter types. For the batch members:
@@ -34,5 +35,12 @@ Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QMetaM
                        const QVariantList &valores);
 Desenlace llamaMiembro(QObject *produccion, const QSqlDatabase &db, const QString &metodo,
                        const QVariantList &valores);
+
+// Delivers only the lines of order op that have no finished-kit entry yet (a
+// delivery cut off halfway), each through the component's own assembly, and
+// marks just those finished; an order with nothing missing posts nothing.
+// The same checks, claim and summary as a delivery; no question, since
+// nothing is posted twice.
+Desenlace entregaResto(QObject *produccion, const QSqlDatabase &db, qint32 op);
 
 } // namespace zuvi::app

@@ -110,7 +110,8 @@ void VentanaPrincipal::entrega()
     const Desenlace d = lote(QStringLiteral("EntregaProductoTerminado"), {op});
     if (d.llamado && d.completo)
         statusBar()->showMessage(
-            QStringLiteral("Producto terminado de la orden %1 entregado.").arg(op), 8000);
+            QStringLiteral("Producto terminado de la orden %1 entregado. %2").arg(op).arg(d.hecho),
+            8000);
 }
 
 void VentanaPrincipal::cancela()

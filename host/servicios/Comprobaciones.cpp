@@ -175,9 +175,9 @@ ControlEntrega::ControlEntrega(const QSqlDatabase &db, qint32 op) : m_db(db), m_
         primerValor(db, QStringLiteral("SELECT COUNT(*) ") + kEntradasDeOrden, {op}).toLongLong();
 }
 
-QList<ControlEntrega::Linea> ControlEntrega::lineasSinEntregar() const
+ControlEntrega::Reparto ControlEntrega::reparteDesde(qint64 movimiento) const
 {
-    // The entries of this run, as article and quantity; each line takes one.
+    // The entries after `movimiento`, as article and quantity; each line takes one.
     QHash<QString, int> entradas;
     auto clave = [](const QString &articulo, double cantidad) {
         return articulo.trimmed() + QChar(0x1f) + QString::number(std::llround(cantidad));
@@ -185,14 +185,14 @@ QList<ControlEntrega::Linea> ControlEntrega::lineasSinEntregar() const
     QSqlQuery e = ejecutaConValores(m_db,
                                     QStringLiteral("SELECT articulo, cantidad ") +
                                         kEntradasDeOrden + QStringLiteral(" AND id > ?"),
-                                    {m_op, m_ultimoMovimiento});
+                                    {m_op, movimiento});
     while (e.next())
         ++entradas[clave(e.value(0).toString(), e.value(1).toDouble())];
 
-    QList<Linea> pendientes;
+    Reparto reparto;
     QSqlQuery q = ejecutaConValores(
         m_db,
-        QStringLiteral("SELECT partida, articulo, cantidad FROM oppart WHERE op = ? "
+        QStringLiteral("SELECT partida, articulo, cantidad, id_entrada FROM oppart WHERE op = ? "
                        "ORDER BY partida, id_entrada"),
         {m_op});
     int posicion = 0;
@@ -205,18 +205,22 @@ QList<ControlEntrega::Linea> ControlEntrega::lineasSinEntregar() const
         double pedida = 0;
         l.numerica = numeroDe(cantidad, pedida);
         l.cantidad = cantidad.isNull() ? QStringLiteral("nula") : eco(cantidad.toString(), 20);
+        l.id = q.value(3).toLongLong();
         // Assembly takes whole kits: the line is asked rounded half to even.
         if (l.numerica) {
-            auto it = entradas.find(clave(l.articulo, std::nearbyint(pedida)));
+            const double kits = std::nearbyint(pedida);
+            l.kits = std::abs(kits) <= kCantidadMaxima ? qint32(kits) : 0;
+            auto it = entradas.find(clave(l.articulo, kits));
             if (it != entradas.end() && it.value() > 0) {
                 --it.value();
+                reparto.entregadas << l;
                 continue;
             }
         }
-        pendientes << l;
+        reparto.pendientes << l;
     }
     m_total = posicion;
-    return pendientes;
+    return reparto;
 }
 
 } // namespace zuvi::anfitrion

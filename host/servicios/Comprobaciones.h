@@ -51,10 +51,13 @@ void compruebaLlamada(const QSqlDatabase &db, const QString &metodo,
                       const QVariantList &argumentos);
 
 // Watches one delivery of an order: built before the call, it notes where
-// the movements stand; afterwards it tells which lines got no finished-kit
-// entry in this run. Every line assembled posts exactly one entry of its
-// kit (type "E", concept "OP", the order as reference) with the line's
-// rounded quantity, and that entry is the last movement of its assembly.
+// the movements stand; afterwards it tells which lines got their
+// finished-kit entry in this run and which did not. Every line assembled
+// posts exactly one entry of its kit (type "E", concept "OP", the order as
+// reference) with the line's rounded quantity, and that entry is the last
+// movement of its assembly, posted together with its components. A movement
+// carries no line number, so an entry is matched to a line by article and
+// rounded quantity, each entry to one line.
 class ControlEntrega
 {
 public:
@@ -68,12 +71,23 @@ public:
         QString articulo;
         QString cantidad; // as stored, echoed safely
         bool numerica = true;
+        qint32 kits = 0; // the quantity rounded as assembly takes it
+        qint64 id = 0;   // id_entrada
     };
-    // The lines without their entry; throws Error when the database cannot be read.
-    QList<Linea> lineasSinEntregar() const;
+    struct Reparto
+    {
+        QList<Linea> entregadas, pendientes;
+    };
+    // The lines with and without their entry of this run; throws Error when
+    // the database cannot be read.
+    Reparto reparte() const { return reparteDesde(m_ultimoMovimiento); }
+    // Likewise with the entries of every run of the order.
+    Reparto reparteTodas() const { return reparteDesde(0); }
     int totalLineas() const { return m_total; }
 
 private:
+    Reparto reparteDesde(qint64 movimiento) const;
+
     QSqlDatabase m_db;
     qint32 m_op = 0;
     qint64 m_ultimoMovimiento = 0;

@@ -191,6 +191,74 @@ private slots:
         QCOMPARE(base.escalar(kEntradas).toInt(), 6);
     }
 
+    // A delivery stopped halfway, then --resto: exactly the missing lines are posted and only
+    // they marked finished; a second --resto posts nothing.
+    void entregaElResto_data()
+    {
+        QTest::addColumn<QString>("dano"); // a condition on the movement refused, or "cierra"
+        QTest::addColumn<QString>("dice"); // in the first run's summary
+        QTest::addColumn<QString>("faltan");
+        QTest::newRow("kit rechazado") << "NEW.articulo = 'SOPORTE' AND NEW.cantidad = 4"
+                                       << "Se entregaron 4 de 5 partidas: SOPORTE,"
+                                       << "3";
+        QTest::newRow("conexión cerrada") << "cierra"
+                                          << "no se pudo comprobar"
+                                          << "3,4,5";
+    }
+
+    void entregaElResto()
+    {
+        QFETCH(QString, dano);
+        QFETCH(QString, dice);
+        QFETCH(QString, faltan);
+        BaseDePrueba base;
+        creaOrden(base, 5);
+        const QMap<QString, double> inicial = existencias(base);
+        auto guion = std::make_shared<InteraccionConTropiezo>();
+        anfitrion::ponInteraccion(guion);
+        QSqlDatabase db = base.conexion();
+        if (dano == "cierra") {
+            guion->paso = 3;
+            guion->tropiezo = [&db, g = guion.get()] {
+                g->paso = -1;
+                anfitrion::olvidaSentencias(db);
+                db.close();
+            };
+        } else {
+            QVERIFY(pruebas::fallaAl(base, "INSERT", "movimientos", dano));
+        }
+        auto produccion = app::creaProduccion(base.ambiente());
+        app::Desenlace d = app::llamaMiembro(produccion.get(), db, "EntregaProductoTerminado", {9});
+        QVERIFY2(d.resumen.contains(dice), qPrintable(d.resumen));
+        QVERIFY(db.isOpen() || db.open());
+        if (dano != "cierra")
+            base.ejecuta("DROP TRIGGER falla");
+        base.ejecuta("UPDATE oppart SET terminado = 0"); // to see which lines --resto marks
+
+        d = app::entregaResto(produccion.get(), db, 9);
+        const int n = int(faltan.count(',') + 1);
+        QVERIFY2(d.completo &&
+                     d.hecho.startsWith(QString("Se entregaron %1 de las %1 partidas que faltaban: "
+                                                "SOPORTE")
+                                            .arg(n)),
+                 qPrintable(d.hecho + d.resumen));
+        QCOMPARE(base.escalar(kEntradas).toInt(), 5);
+        QCOMPARE(base.escalar("SELECT SUM(cantidad) FROM movimientos WHERE orden = 9 AND "
+                              "tipo = 'E'")
+                     .toInt(),
+                 2 + 3 + 4 + 5 + 1);
+        QCOMPARE(base.filas("SELECT partida FROM oppart WHERE terminado <> 0 ORDER BY partida")
+                     .join(','),
+                 faltan);
+        QCOMPARE(descuadres(base, inicial), QStringList());
+
+        const int movimientos = base.escalar("SELECT COUNT(*) FROM movimientos").toInt();
+        d = app::entregaResto(produccion.get(), db, 9);
+        QVERIFY2(d.completo && d.hecho.contains("no tiene líneas sin entregar"),
+                 qPrintable(d.hecho));
+        QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), movimientos);
+    }
+
     // A movement refused halfway through a kit line undoes the line's earlier
     // movements: no line is left half posted.
     void lineaEnteraONada()
@@ -290,6 +358,13 @@ private slots:
                      c.error.contains("no se confirmó"),
                  c.dice());
         QCOMPARE(base->escalar("SELECT COUNT(*) FROM movimientos").toInt(), movimientos);
+        // What is missing, and only that, from the command line; then nothing is.
+        for (const char *dice : {"que faltaban: SOPORTE", "no tiene líneas sin entregar"}) {
+            c = pruebas::corre({"--base", base->url(), "entrega", "9", "--resto"});
+            QVERIFY2(c.codigo == 0 && c.salida.contains(dice), c.dice());
+            QCOMPARE(base->escalar(kEntradas).toInt(), 3000);
+        }
+        QCOMPARE(descuadres(*base, inicial), QStringList());
         qInfo("%d de 3000 líneas entregadas antes de la caída:\n%s", entradas,
               qPrintable(primeraCorrida));
     }

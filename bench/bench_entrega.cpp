@@ -2,9 +2,10 @@
 // SQLite file database in WAL mode, two ways that read and write the same
 // rows: through the component and the reference host, and bare, with the
 // SQLite C API (prepared statements reused). The bare way groups its writes
-// as the host does: the movement row and its stock change in one transaction
-// per movement. The two alternate on fresh copies of one database; the
-// medians are printed and, last, "ratio: R" (component and host over bare).
+// as the host does: one transaction per kit line, its components' exits and
+// its entry with their stock changes. The two alternate on fresh copies of
+// one database; the medians are printed and, last, "ratio: R" (component and
+// host over bare).
 //
 // The files go to /dev/shm when there is one: on tmpfs a commit costs
 // nothing, so the ratio shows the software's own cost and not the disk's.
@@ -176,9 +177,10 @@ Resultado conComponente(const QString &ruta, const QString &traza)
     return r;
 }
 
-// The bare way: the same statements, prepared once and reused. Grouped, each
-// movement's two writes go in one transaction, as the host does; otherwise
-// every write commits on its own.
+// The bare way: the same statements, prepared once and reused. Grouped, a
+// kit line's movements (its components' exits and its entry, each with its
+// stock change) go in one transaction, as the host's movement document posts
+// them; otherwise every write commits on its own.
 class Bare
 {
 public:
@@ -256,6 +258,8 @@ public:
             if (ps.empty())
                 continue;
             double total = 0;
+            if (m_agrupa)
+                leeTodo(inicia);
             for (const Parte &p : ps) {
                 sqlite3_bind_text(prod, 1, p.componente.c_str(), -1, SQLITE_TRANSIENT);
                 double costo = 0;
@@ -263,15 +267,9 @@ public:
                     costo = sqlite3_column_double(prod, 1);
                 leeTodo(prod);
                 const double cantidad = p.cantidad / minimo * kits;
-                if (m_agrupa)
-                    leeTodo(inicia);
                 total +=
                     movimiento(mov, exis, "S", op, folio, p.almacen, p.componente, cantidad, costo);
-                if (m_agrupa)
-                    leeTodo(confirma);
             }
-            if (m_agrupa)
-                leeTodo(inicia);
             movimiento(mov, exis, "E", op, folio, l.almacen, l.articulo, kits, total);
             if (m_agrupa)
                 leeTodo(confirma);

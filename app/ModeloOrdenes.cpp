@@ -124,19 +124,17 @@ void ModeloOrdenes::anotaMayor()
 void ModeloOrdenes::ponFiltro(const FiltroOrdenes &filtro)
 {
     m_filtro = filtro;
-    std::vector<Fila> filas = lee({}, {}, kPagina + 1);
-    m_hayMas = filas.size() > size_t(kPagina);
-    if (m_hayMas)
-        filas.pop_back();
-    beginResetModel();
-    m_filas = std::move(filas);
-    endResetModel();
-    anotaMayor();
+    leeDesdeElPrincipio(kPagina);
 }
 
 void ModeloOrdenes::recarga()
 {
-    const int cuantas = std::max(kPagina, int(m_filas.size()));
+    leeDesdeElPrincipio(std::max(kPagina, int(m_filas.size())));
+}
+
+// The first rows of the list again, as many as asked for.
+void ModeloOrdenes::leeDesdeElPrincipio(int cuantas)
+{
     std::vector<Fila> filas = lee({}, {}, cuantas + 1);
     m_hayMas = filas.size() > size_t(cuantas);
     if (m_hayMas)

@@ -88,6 +88,7 @@ private:
                           int limite) const;
     bool antesQue(qint32 a, qint32 b) const; // a goes above b
     void anotaMayor();
+    void leeDesdeElPrincipio(int cuantas);
 
     QSqlDatabase m_db;
     FiltroOrdenes m_filtro;

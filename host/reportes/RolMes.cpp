@@ -10,11 +10,13 @@
 #include <QFileInfo>
 #include <QFont>
 #include <QFontMetricsF>
+#include <QGlyphRun>
 #include <QLocale>
 #include <QMap>
 #include <QPageLayout>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QRawFont>
 #include <QRegularExpression>
 #include <QSqlQuery>
 
@@ -191,6 +193,41 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
     QFont negrita = normal;
     negrita.setBold(true);
 
+    // Ten thousand employees make some 300,000 cells of a handful of short
+    // codes: each code is shaped once, and a row's cells go out as one run of
+    // glyphs (laying out each cell's text was most of the roster's time). A
+    // code the font has no glyph for is drawn as plain text.
+    const QFontMetricsF medidas(normal);
+    const QRawFont crudo = QRawFont::fromFont(normal);
+    struct Forma
+    {
+        QList<quint32> glifos;
+        QList<QPointF> avances;
+        qreal ancho = 0;
+        bool directa = false;
+    };
+    QHash<QString, Forma> formas;
+    const auto forma = [&](const QString &texto) -> const Forma & {
+        auto it = formas.find(texto);
+        if (it == formas.end()) {
+            Forma fm;
+            fm.glifos = crudo.glyphIndexesForString(texto);
+            fm.avances = crudo.advancesForGlyphIndexes(fm.glifos);
+            for (const QPointF &a : std::as_const(fm.avances))
+                fm.ancho += a.x();
+            fm.directa = crudo.isValid() && !fm.glifos.isEmpty() && !fm.glifos.contains(0);
+            it = formas.insert(texto, fm);
+        }
+        return *it;
+    };
+    // A key or name wider than its column is cut with "…"; measuring first
+    // spares the elision's layout for the names that fit.
+    const auto recorta = [&](const QString &texto, qreal anchoMaximo) {
+        return medidas.horizontalAdvance(texto) <= anchoMaximo
+                   ? texto
+                   : medidas.elidedText(texto, Qt::ElideRight, anchoMaximo);
+    };
+
     const QLocale es(QLocale::Spanish, QLocale::Mexico);
     const QDate primero(rol.anio, rol.mes, 1);
     const QString encabezado =
@@ -232,16 +269,17 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
         y += renglon * 1.4;
 
         p.setFont(normal);
-        const QFontMetricsF medidas(normal);
         const int desde = pag * filasPorPagina;
         const int hasta = qMin(int(rol.filas.size()), desde + filasPorPagina);
         for (int i = desde; i < hasta; ++i) {
             const RolMes::Fila &f = rol.filas.at(i);
             if ((i - desde) % 2 == 1)
                 p.fillRect(QRectF(0, y, ancho, renglon), QColor(244, 246, 250));
-            p.drawText(QRectF(2, y, colEmpleado - 4, renglon), Qt::AlignVCenter, f.empleado);
-            p.drawText(QRectF(colEmpleado + 2, y, colNombre - 4, renglon), Qt::AlignVCenter,
-                       medidas.elidedText(f.nombre, Qt::ElideRight, colNombre - 4));
+            const qreal base = y + (renglon + medidas.ascent() - medidas.descent()) / 2;
+            p.drawText(QPointF(2, base), recorta(f.empleado, colEmpleado - 4));
+            p.drawText(QPointF(colEmpleado + 2, base), recorta(f.nombre, colNombre - 4));
+            QList<quint32> glifos;
+            QList<QPointF> posiciones;
             for (int d = 0; d < dias; ++d) {
                 const QString &texto = f.dias.at(d);
                 if (texto.isEmpty())
@@ -249,7 +287,24 @@ void pintaRolMes(QPagedPaintDevice *dispositivo, const RolMes &rol)
                 const QRectF celda(colEmpleado + colNombre + d * colDia, y, colDia, renglon);
                 if (texto == u"D")
                     p.fillRect(celda.adjusted(1, 1, -1, -1), QColor(255, 236, 200));
-                p.drawText(celda, Qt::AlignCenter, texto);
+                const Forma &fm = forma(texto);
+                if (!fm.directa) {
+                    p.drawText(celda, Qt::AlignCenter, texto);
+                    continue;
+                }
+                qreal x = celda.left() + (colDia - fm.ancho) / 2;
+                for (qsizetype k = 0; k < fm.glifos.size(); ++k) {
+                    glifos << fm.glifos.at(k);
+                    posiciones << QPointF(x, base);
+                    x += fm.avances.at(k).x();
+                }
+            }
+            if (!glifos.isEmpty()) {
+                QGlyphRun corrida;
+                corrida.setRawFont(crudo);
+                corrida.setGlyphIndexes(glifos);
+                corrida.setPositions(posiciones);
+                p.drawGlyphRun(QPointF(0, 0), corrida);
             }
             p.setPen(QColor(200, 200, 200));
             p.drawLine(QPointF(0, y + renglon), QPointF(ancho, y + renglon));

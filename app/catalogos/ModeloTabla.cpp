@@ -29,7 +29,11 @@ int ModeloTabla::indice(const QString &nombre) const
 void ModeloTabla::filtra(const QString &busqueda, const QString &enlace, const QVariant &valor)
 {
     QStringList condiciones;
-    const QString c = condicionBusqueda(database(), m_catalogo.busqueda.split(u','), busqueda);
+    const QStringList columnas = m_catalogo.busqueda.split(u',');
+    const QString c =
+        m_catalogo.tabla == QLatin1String("prods")
+            ? condicionBusquedaArticulos(database(), QStringLiteral("rowid"), columnas, busqueda)
+            : condicionBusqueda(database(), columnas, busqueda);
     if (!c.isEmpty())
         condiciones << c;
     if (!enlace.isEmpty())

@@ -118,8 +118,9 @@ void VentanaExistencias::actualiza()
     QStringList condiciones;
     if (almacen() > 0)
         condiciones << QStringLiteral("e.almacen = %1").arg(almacen());
-    const QString busqueda = anfitrion::datos::condicionBusqueda(
-        m_db, {QStringLiteral("e.articulo"), QStringLiteral("p.descrip")}, m_buscador->text());
+    const QString busqueda = anfitrion::datos::condicionBusquedaArticulos(
+        m_db, QStringLiteral("p.rowid"),
+        {QStringLiteral("e.articulo"), QStringLiteral("p.descrip")}, m_buscador->text());
     if (!busqueda.isEmpty())
         condiciones << busqueda;
     const QString donde =

@@ -4,7 +4,10 @@
 #include "host/sql/Sql.h"
 
 #include <QRegularExpression>
+
 #include <QSqlQuery>
+#include <iterator>
+#include <utility>
 
 namespace zuvi::anfitrion {
 
@@ -319,35 +322,92 @@ void creaEsquema(const QSqlDatabase &db, Motor motor)
 
 // --- Searching the articles in the database ---------------------------------
 
+namespace {
+
+// The accented letters the articles' search reads as their plain letter. The
+// index's triggers fold them in SQL (any program that writes prods keeps the
+// index right, no function of ours needed) and a search folds its words with
+// the same list; the index folds case by itself.
+constexpr std::pair<char16_t, char16_t> kSinAcento[] = {
+    {u'á', u'a'}, {u'à', u'a'}, {u'â', u'a'}, {u'ä', u'a'}, {u'ã', u'a'}, {u'å', u'a'},
+    {u'é', u'e'}, {u'è', u'e'}, {u'ê', u'e'}, {u'ë', u'e'}, {u'í', u'i'}, {u'ì', u'i'},
+    {u'î', u'i'}, {u'ï', u'i'}, {u'ó', u'o'}, {u'ò', u'o'}, {u'ô', u'o'}, {u'ö', u'o'},
+    {u'õ', u'o'}, {u'ú', u'u'}, {u'ù', u'u'}, {u'û', u'u'}, {u'ü', u'u'}, {u'ñ', u'n'},
+    {u'ç', u'c'}, {u'ý', u'y'}, {u'ÿ', u'y'}, {u'Á', u'A'}, {u'À', u'A'}, {u'Â', u'A'},
+    {u'Ä', u'A'}, {u'Ã', u'A'}, {u'Å', u'A'}, {u'É', u'E'}, {u'È', u'E'}, {u'Ê', u'E'},
+    {u'Ë', u'E'}, {u'Í', u'I'}, {u'Ì', u'I'}, {u'Î', u'I'}, {u'Ï', u'I'}, {u'Ó', u'O'},
+    {u'Ò', u'O'}, {u'Ô', u'O'}, {u'Ö', u'O'}, {u'Õ', u'O'}, {u'Ú', u'U'}, {u'Ù', u'U'},
+    {u'Û', u'U'}, {u'Ü', u'U'}, {u'Ñ', u'N'}, {u'Ç', u'C'}, {u'Ý', u'Y'},
+};
+
+// "SELECT n, t": the row's number and its text folded. Fifty-odd nested
+// replace() calls are too deep for SQLite's parser, so the folding goes in
+// steps, each a query over the one before.
+QString seleccionSinAcentos(const QString &numero, const QString &texto, const QString &origen)
+{
+    constexpr qsizetype kPaso = 12;
+    const qsizetype total = qsizetype(std::size(kSinAcento));
+    QString sql;
+    for (qsizetype i = 0; i < total; i += kPaso) {
+        QString e = i == 0 ? texto : QStringLiteral("t");
+        for (qsizetype j = i; j < qMin(total, i + kPaso); ++j)
+            e = QStringLiteral("replace(%1, '%2', '%3')")
+                    .arg(e, QString(QChar(kSinAcento[j].first)),
+                         QString(QChar(kSinAcento[j].second)));
+        sql = i == 0 ? QStringLiteral("SELECT %1 AS n, %2 AS t%3")
+                           .arg(numero, e,
+                                origen.isEmpty() ? QString() : QStringLiteral(" FROM ") + origen)
+                     : QStringLiteral("SELECT n, %1 AS t FROM (%2)").arg(e, sql);
+    }
+    return sql;
+}
+
+} // namespace
+
+QString sinAcentosDeBusqueda(QString texto)
+{
+    for (const auto &[con, sin] : kSinAcento)
+        texto.replace(QChar(con), QChar(sin));
+    return texto;
+}
+
 void aseguraBusquedaArticulos(const QSqlDatabase &db, Motor motor)
 {
     if (motor != Motor::SQLite)
         return;
     // The triggers go with prods when an upgrade rebuilds it: their absence
-    // says the index must be made or filled again.
+    // says the index must be made or filled again; an index of words (before
+    // searches found any part of a word) is made again as one of pieces.
     // The host's own reading: it stays out of the statement trace.
     QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE type = 'trigger' AND "
-                              "name = 'prods_busqueda_cambia'")) &&
-        q.next() && q.value(0).toInt() > 0)
+    if (q.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE (type = 'trigger' AND "
+                              "name = 'prods_busqueda_cambia') OR (name = 'prods_busqueda' AND "
+                              "sql LIKE '%trigram%')")) &&
+        q.next() && q.value(0).toInt() == 2)
         return;
-    const QString texto = QStringLiteral("new.articulo || ' ' || COALESCE(new.descrip, '')");
+    const QString inserta = QStringLiteral("INSERT INTO prods_busqueda (rowid, texto) ");
+    const QString nuevo = inserta + seleccionSinAcentos(QStringLiteral("new.rowid"),
+                                                        QStringLiteral("new.articulo || ' ' || "
+                                                                       "COALESCE(new.descrip, '')"),
+                                                        {});
     const QStringList sentencias = {
-        QStringLiteral("CREATE VIRTUAL TABLE IF NOT EXISTS prods_busqueda USING fts5(texto, "
-                       "tokenize = 'unicode61 remove_diacritics 2', prefix = '1 2 3')"),
-        QStringLiteral("DELETE FROM prods_busqueda"),
-        QStringLiteral("INSERT INTO prods_busqueda (rowid, texto) SELECT rowid, articulo || ' ' "
-                       "|| COALESCE(descrip, '') FROM prods"),
-        QStringLiteral("CREATE TRIGGER IF NOT EXISTS prods_busqueda_alta AFTER INSERT ON prods "
-                       "BEGIN INSERT INTO prods_busqueda (rowid, texto) VALUES (new.rowid, %1); "
-                       "END")
-            .arg(texto),
-        QStringLiteral("CREATE TRIGGER IF NOT EXISTS prods_busqueda_baja AFTER DELETE ON prods "
+        QStringLiteral("DROP TRIGGER IF EXISTS prods_busqueda_alta"),
+        QStringLiteral("DROP TRIGGER IF EXISTS prods_busqueda_baja"),
+        QStringLiteral("DROP TRIGGER IF EXISTS prods_busqueda_cambia"),
+        QStringLiteral("DROP TABLE IF EXISTS prods_busqueda"),
+        QStringLiteral("CREATE VIRTUAL TABLE prods_busqueda USING fts5(texto, "
+                       "tokenize = 'trigram case_sensitive 0')"),
+        inserta + seleccionSinAcentos(QStringLiteral("rowid"),
+                                      QStringLiteral("articulo || ' ' || COALESCE(descrip, '')"),
+                                      QStringLiteral("prods")),
+        QStringLiteral("CREATE TRIGGER prods_busqueda_alta AFTER INSERT ON prods BEGIN %1; END")
+            .arg(nuevo),
+        QStringLiteral("CREATE TRIGGER prods_busqueda_baja AFTER DELETE ON prods "
                        "BEGIN DELETE FROM prods_busqueda WHERE rowid = old.rowid; END"),
-        QStringLiteral("CREATE TRIGGER IF NOT EXISTS prods_busqueda_cambia AFTER UPDATE ON prods "
+        QStringLiteral("CREATE TRIGGER prods_busqueda_cambia AFTER UPDATE ON prods "
                        "BEGIN DELETE FROM prods_busqueda WHERE rowid = old.rowid; "
-                       "INSERT INTO prods_busqueda (rowid, texto) VALUES (new.rowid, %1); END")
-            .arg(texto),
+                       "%1; END")
+            .arg(nuevo),
     };
     Transaccion t(db);
     for (const QString &sql : sentencias)

@@ -57,10 +57,14 @@ QStringList tablasEsquema();
 void creaEsquema(const QSqlDatabase &db, Motor motor);
 
 // --- Searching the articles in the database ---------------------------------
-// On SQLite a full-text index of each article's code and description (case
-// and accents folded) is kept beside prods by triggers, its entries numbered
-// as the rows of prods. MariaDB searches the columns themselves.
+// On SQLite an index of the three-letter pieces of each article's code and
+// description (case and accents folded), so that any part of a word is found
+// without reading the table, is kept beside prods by triggers, its entries
+// numbered as the rows of prods. MariaDB searches the columns themselves.
 inline constexpr const char *kBusquedaArticulos = "prods_busqueda";
+
+// A search's words with the accents the index folds taken off.
+QString sinAcentosDeBusqueda(QString texto);
 
 // Makes the index and its triggers when they are missing (a new database, an
 // older one, or prods rebuilt by an upgrade) and fills it from prods. Does

@@ -1,6 +1,8 @@
 #include "host/datos/Reglas.h"
 
+#include "host/base/Esquema.h"
 #include "host/servicios/Catalogos.h"
+#include "host/servicios/ConsultaCatalogo.h"
 #include "host/sql/Sql.h"
 
 #include <QSqlDriver>
@@ -197,6 +199,19 @@ QString condicionBusqueda(const QSqlDatabase &db, const QStringList &columnas,
         condiciones << QLatin1Char('(') + alguna.join(QStringLiteral(" OR ")) + QLatin1Char(')');
     }
     return condiciones.join(QStringLiteral(" AND "));
+}
+
+QString condicionBusquedaArticulos(const QSqlDatabase &db, const QString &numero,
+                                   const QStringList &columnas, const QString &busqueda)
+{
+    if (motorDe(db) != Motor::SQLite ||
+        !db.tables().contains(QLatin1String(kBusquedaArticulos), Qt::CaseInsensitive))
+        return condicionBusqueda(db, columnas, busqueda);
+    const BusquedaEnIndice b(busqueda);
+    if (b.vacia())
+        return {};
+    return QStringLiteral("%1 IN (SELECT rowid FROM %2 WHERE %3)")
+        .arg(numero, QLatin1String(kBusquedaArticulos), b.condicionLiteral());
 }
 
 } // namespace zuvi::anfitrion::datos

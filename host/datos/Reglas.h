@@ -37,4 +37,10 @@ double costoKit(const QSqlDatabase &db, const QString &kit);
 QString condicionBusqueda(const QSqlDatabase &db, const QStringList &columnas,
                           const QString &busqueda);
 
+// The same over the articles: on SQLite through their search index, keeping
+// the rows whose article's row number (`numero`: "rowid", "p.rowid") the
+// index finds, without reading the table.
+QString condicionBusquedaArticulos(const QSqlDatabase &db, const QString &numero,
+                                   const QStringList &columnas, const QString &busqueda);
+
 } // namespace zuvi::anfitrion::datos

@@ -23,14 +23,51 @@ QString literalLike(QString palabra)
 
 } // namespace
 
-QString consultaDeTextoCompleto(const QString &texto)
+BusquedaEnIndice::BusquedaEnIndice(const QString &texto)
 {
-    // The index splits words where a letter or digit ends, as this does.
-    static const QRegularExpression separador(QStringLiteral("[^\\p{L}\\p{N}]+"));
-    QStringList partes;
-    for (const QString &w : formaDeBusqueda(texto).split(separador, Qt::SkipEmptyParts))
-        partes << QStringLiteral("\"%1\"*").arg(w);
-    return partes.join(QLatin1Char(' '));
+    QStringList frases;
+    for (const QString &w : sinAcentosDeBusqueda(texto).split(
+             QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts)) {
+        if (w.size() >= 3)
+            frases << QLatin1Char('"') +
+                          QString(w).replace(QLatin1Char('"'), QStringLiteral("\"\"")) +
+                          QLatin1Char('"');
+        else
+            cortas << literalLike(w);
+    }
+    piezas = frases.join(QLatin1Char(' '));
+}
+
+QString BusquedaEnIndice::condicion() const
+{
+    const QString indice = QLatin1String(kBusquedaArticulos);
+    QStringList l;
+    if (!piezas.isEmpty())
+        l << indice + QStringLiteral(" MATCH ?");
+    for (qsizetype i = 0; i < cortas.size(); ++i)
+        l << indice + QStringLiteral(".texto LIKE ? ESCAPE '\\'");
+    return l.join(QStringLiteral(" AND "));
+}
+
+QVariantList BusquedaEnIndice::valores() const
+{
+    QVariantList v;
+    if (!piezas.isEmpty())
+        v << piezas;
+    for (const QString &c : cortas)
+        v << c;
+    return v;
+}
+
+QString BusquedaEnIndice::condicionLiteral() const
+{
+    QString sql = condicion();
+    const QString marca = QStringLiteral("?");
+    for (const QVariant &v : valores()) {
+        const qsizetype i = sql.indexOf(marca);
+        sql.replace(i, 1, literalSql(v, Motor::SQLite));
+    }
+    return sql;
 }
 
 ConsultaCatalogo::ConsultaCatalogo(const DefinicionCatalogo &catalogo, const QString &filtro,
@@ -70,21 +107,21 @@ std::vector<QStringList> ConsultaCatalogo::busca(const QString &texto)
     m_filas.clear();
     m_ultima = QVariant();
     m_porAlta = false;
-    m_busqueda.clear();
+    m_busqueda = BusquedaEnIndice();
     m_palabras.clear();
     if (m_indice)
-        m_busqueda = consultaDeTextoCompleto(texto);
+        m_busqueda = BusquedaEnIndice(texto);
     else
         m_palabras = texto.split(QRegularExpression(QStringLiteral("\\s+")), Qt::SkipEmptyParts);
-    m_coincidencias = m_busqueda.isEmpty() && m_palabras.isEmpty() && m_totalExacto ? m_total : -1;
-    if (!m_busqueda.isEmpty()) {
+    m_coincidencias = m_busqueda.vacia() && m_palabras.isEmpty() && m_totalExacto ? m_total : -1;
+    if (!m_busqueda.vacia()) {
         // How many match, up to a bound the entry numbers tell without sorting.
         QSqlQuery q = ejecutaConValores(
             m_db,
-            QStringLiteral("SELECT rowid FROM %1 WHERE %1 MATCH ? ORDER BY rowid LIMIT %2")
-                .arg(QLatin1String(kBusquedaArticulos))
+            QStringLiteral("SELECT rowid FROM %1 WHERE %2 ORDER BY rowid LIMIT %3")
+                .arg(QLatin1String(kBusquedaArticulos), m_busqueda.condicion())
                 .arg(kExactas + 1),
-            {m_busqueda});
+            m_busqueda.valores());
         QStringList numeros;
         while (q.next())
             numeros << q.value(0).toString();
@@ -135,8 +172,8 @@ void ConsultaCatalogo::leePagina()
         // Ordered by the index's own numbers, so it hands them over in order.
         sql = QStringLiteral("SELECT %1, %3.rowid FROM %2 JOIN %3 ON %3.rowid = %2.rowid")
                   .arg(columnas(t + QLatin1Char('.')), t, indice);
-        condiciones << indice + QStringLiteral(" MATCH ?");
-        valores << m_busqueda;
+        condiciones << m_busqueda.condicion();
+        valores << m_busqueda.valores();
         if (m_ultima.isValid()) {
             condiciones << indice + QStringLiteral(".rowid > ?");
             valores << m_ultima;

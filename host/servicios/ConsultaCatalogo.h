@@ -5,8 +5,8 @@
 //
 // The rules are those of the catalogues read into memory: a row matches when
 // every word of the search is in its code or its description, case and
-// accents ignored. On SQLite the words go to the full-text index kept beside
-// the table (a word matches the words it begins); on MariaDB each word is
+// accents ignored. On SQLite the words go to the index kept beside the
+// table; on MariaDB each word is
 // looked for anywhere in both columns, whose collation ignores case and
 // accents. Rows come in the catalogue's order; when a search on SQLite
 // matches more than kExactas rows they come in the order they were entered,
@@ -19,6 +19,24 @@
 #include <vector>
 
 namespace zuvi::anfitrion {
+
+// A search on the articles' index: its words of three letters or more are
+// pieces the index finds by itself; a shorter word is looked for in the
+// texts those leave, or, when every word is short, in every text (read in
+// order, so a common one stops at the first page).
+struct BusquedaEnIndice
+{
+    explicit BusquedaEnIndice(const QString &texto = {});
+    bool vacia() const { return piezas.isEmpty() && cortas.isEmpty(); }
+    // The condition on the index's rows, with its values as placeholders or
+    // written in.
+    QString condicion() const;
+    QVariantList valores() const;
+    QString condicionLiteral() const;
+
+    QString piezas;     // the index's query: "orn" "acer"
+    QStringList cortas; // LIKE patterns: %m4%
+};
 
 class ConsultaCatalogo
 {
@@ -54,7 +72,7 @@ private:
     FiltroCatalogo m_filtro;
     int m_total = 0;
     bool m_totalExacto = true;
-    QString m_busqueda;               // the full-text query, or empty
+    BusquedaEnIndice m_busqueda;      // the search on SQLite's index
     QStringList m_palabras;           // the words, for MariaDB
     std::vector<QStringList> m_filas; // the rows just read
     QVariant m_ultima;                // the key (or entry number) of the last row read
@@ -63,9 +81,5 @@ private:
     bool m_porAlta = false;
     int m_coincidencias = -1;
 };
-
-// The full-text query of a search: each word as the beginning of a word
-// ("tor 1/4" is "tor"* "1"* "4"*); empty when the search has no words.
-QString consultaDeTextoCompleto(const QString &texto);
 
 } // namespace zuvi::anfitrion

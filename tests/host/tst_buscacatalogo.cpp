@@ -222,6 +222,8 @@ private slots:
             {"MENSULA acero", "", 123, "Z005 Z007"},
             {"laton BISAGRA", "", 125, "Z000 Z002"},
             {"z00", "", 9, "Z000 Z001 Z002 Z004"},
+            {"ENSÚL cer", "", 123, "Z005 Z007"}, // any part of a word
+            {"bisagra N9", "", 5, "Z090 Z092"},  // a word too short for the index
             {"escuadra", "", 1, "Z001"},
             {"bisagra", "kit <> 0", 5, "Z000 Z050"},
             {"mensula tuerca", "", 0, ""},
@@ -238,7 +240,7 @@ private slots:
             QStringList claves;
             for (const QStringList &f : filas)
                 claves << f.at(0);
-            QCOMPARE(claves.size(), c.filas);
+            QVERIFY2(claves.size() == c.filas, qPrintable(claves.join(u' ')));
             QStringList enOrden = claves;
             std::sort(enOrden.begin(), enOrden.end());
             QCOMPARE(claves, enOrden);

@@ -49,6 +49,18 @@ private slots:
         QTRY_COMPARE(columna(0), "2|");
         ventana.findChild<QLineEdit *>("txtBuscar")->clear();
         QTRY_COMPARE(columna(0), "3|2|1|");
+        // Issued between two dates, both kept.
+        auto *desde = ventana.findChild<QDateEdit *>("dtpDesde");
+        auto *hasta = ventana.findChild<QDateEdit *>("dtpHasta");
+        QCOMPARE(base.escalar("SELECT f_emision FROM op WHERE op = 2").toDate(), QDate(2024, 5, 3));
+        desde->setDate(QDate(2024, 5, 3));
+        hasta->setDate(QDate(2024, 5, 6));
+        QTRY_COMPARE(columna(0), "3|2|");
+        desde->setDate(desde->minimumDate());
+        hasta->setDate(QDate(2024, 5, 3));
+        QTRY_COMPARE(columna(0), "2|1|");
+        hasta->setDate(hasta->minimumDate());
+        QTRY_COMPARE(columna(0), "3|2|1|");
 
         QVERIFY(ventana.seleccionaOrden(3));
         guion->respuestas({true, false, true});

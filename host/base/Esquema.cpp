@@ -379,12 +379,14 @@ void aseguraBusquedaArticulos(const QSqlDatabase &db, Motor motor)
     // says the index must be made or filled again; an index of words (before
     // searches found any part of a word) is made again as one of pieces.
     // The host's own reading: it stays out of the statement trace.
-    QSqlQuery q(db);
-    if (q.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE (type = 'trigger' AND "
-                              "name = 'prods_busqueda_cambia') OR (name = 'prods_busqueda' AND "
-                              "sql LIKE '%trigram%')")) &&
-        q.next() && q.value(0).toInt() == 2)
-        return;
+    {
+        QSqlQuery q(db);
+        if (q.exec(QStringLiteral("SELECT COUNT(*) FROM sqlite_master WHERE (type = 'trigger' "
+                                  "AND name = 'prods_busqueda_cambia') OR (name = "
+                                  "'prods_busqueda' AND sql LIKE '%trigram%')")) &&
+            q.next() && q.value(0).toInt() == 2)
+            return;
+    } // a reading left open would lock the index against being dropped
     const QString inserta = QStringLiteral("INSERT INTO prods_busqueda (rowid, texto) ");
     const QString nuevo = inserta + seleccionSinAcentos(QStringLiteral("new.rowid"),
                                                         QStringLiteral("new.articulo || ' ' || "

@@ -26,14 +26,11 @@ class TstCuentas : public QObject
 
     QTemporaryDir m_dir;
 
-    static QFile::Permissions permisos(const QString &ruta)
-    {
-        return QFileInfo(ruta).permissions();
-    }
     static bool privado(const QString &ruta)
     {
-        return !(permisos(ruta) & (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup |
-                                   QFile::WriteOther | QFile::ExeGroup | QFile::ExeOther));
+        return !(QFileInfo(ruta).permissions() &
+                 (QFile::ReadGroup | QFile::ReadOther | QFile::WriteGroup | QFile::WriteOther |
+                  QFile::ExeGroup | QFile::ExeOther));
     }
 
 private slots:

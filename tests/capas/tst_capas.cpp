@@ -16,6 +16,10 @@ struct Inclusion
     QString archivo;
     int linea = 0;
     QString cabecera;
+    QString texto() const
+    {
+        return QStringLiteral("%1:%2 includes %3").arg(archivo).arg(linea).arg(cabecera);
+    }
 };
 
 // "component/x.h" -> "component"; the plugin is a layer of its own, and a
@@ -99,10 +103,7 @@ private slots:
         for (const Inclusion &i : inclusiones) {
             const QString destino = carpetaDe(i.cabecera);
             if (nuestras.contains(destino) && !permitidas.contains(destino))
-                fuera << QStringLiteral("%1:%2 includes %3")
-                             .arg(i.archivo)
-                             .arg(i.linea)
-                             .arg(i.cabecera);
+                fuera << i.texto();
         }
         QVERIFY2(fuera.isEmpty(), qPrintable(fuera.join(u'\n')));
     }
@@ -115,10 +116,7 @@ private slots:
         for (const Inclusion &i : inclusionesDe(QStringLiteral("runtime"))) {
             const QString nombre = i.cabecera.section(u'/', -1);
             if (i.cabecera.startsWith(QLatin1String("QtWidgets")) || widgets.exists(nombre))
-                fuera << QStringLiteral("%1:%2 includes %3")
-                             .arg(i.archivo)
-                             .arg(i.linea)
-                             .arg(i.cabecera);
+                fuera << i.texto();
         }
         QVERIFY2(fuera.isEmpty(), qPrintable(fuera.join(u'\n')));
     }

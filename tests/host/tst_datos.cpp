@@ -57,50 +57,28 @@ struct Rechazado
     const char *nombre;
     const char *catalogo;
     QByteArray archivo;
-    QStringList esperado; // "línea columna" of each refusal, in order
+    const char *esperado; // "línea columna" of each refusal, in order, ';' between them
 };
 
 const Rechazado kRechazados[] = {
-    {"encabezado: columna desconocida y falta la clave",
-     "articulos",
-     "descrip,precioo\nx,1\n",
-     {"1 precioo", "1 "}},
-    {"tres filas malas entre buenas: todas, ninguna escrita",
-     "articulos",
-     "articulo,descrip,costo\n"
-     "N-1,bien,1\n"
-     "N'2,comilla,1\n"
-     "N-3,bien,uno\n"
-     "N-4," +
-         QByteArray(101, 'x') +
-         ",1\n"
-         "N-5,bien,2\n",
-     {"3 articulo", "4 costo", "5 descrip"}},
-    {"clave repetida en el archivo y fila con campos de más",
-     "almacenes",
-     "almacen,nombre\n7,uno\n7,otro\n8,tres,cuatro\n",
-     {"3 ", "4 "}},
-    {"claves de un artículo que no existe",
-     "claves",
-     "clave,Articulo\nK-1,NO-HAY\n",
-     {"2 Articulo"}},
-    {"kits: componente de sí mismo, rendimiento cero, otro rendimiento",
-     "kits",
-     "articulo,Minimo,Componente,Cantidad,Almacen\n"
-     "TORN-01,1,TORN-01,1,1\n"
-     "TUER-01,0,TORN-01,1,1\n"
-     "PLAC-01,2,TORN-01,1,1\n"
-     "PLAC-01,3,TUER-01,1,1\n"
-     "PINT-01,1,TORN-01,1,99\n",
-     {"2 Componente", "3 Minimo", "5 Minimo", "6 Almacen"}},
-    {"kits: el componente ya contiene al kit",
-     "kits",
-     "articulo,Componente,Cantidad,Almacen\n"
-     "TORN-01,TUER-01,1,1\n"
-     "TUER-01,PLAC-01,1,1\n"
+    {"encabezado: columna desconocida y falta la clave", "articulos", "descrip,precioo\nx,1\n",
+     "1 precioo;1 "},
+    {"tres filas malas entre buenas: todas, ninguna escrita", "articulos",
+     "articulo,descrip,costo\nN-1,bien,1\nN'2,comilla,1\nN-3,bien,uno\nN-4," +
+         QByteArray(101, 'x') + ",1\nN-5,bien,2\n",
+     "3 articulo;4 costo;5 descrip"},
+    {"clave repetida en el archivo y fila con campos de más", "almacenes",
+     "almacen,nombre\n7,uno\n7,otro\n8,tres,cuatro\n", "3 ;4 "},
+    {"claves de un artículo que no existe", "claves", "clave,Articulo\nK-1,NO-HAY\n", "2 Articulo"},
+    {"kits: componente de sí mismo, rendimiento cero, otro rendimiento", "kits",
+     "articulo,Minimo,Componente,Cantidad,Almacen\nTORN-01,1,TORN-01,1,1\nTUER-01,0,TORN-01,1,1\n"
+     "PLAC-01,2,TORN-01,1,1\nPLAC-01,3,TUER-01,1,1\nPINT-01,1,TORN-01,1,99\n",
+     "2 Componente;3 Minimo;5 Minimo;6 Almacen"},
+    {"kits: el componente ya contiene al kit", "kits",
+     "articulo,Componente,Cantidad,Almacen\nTORN-01,TUER-01,1,1\nTUER-01,PLAC-01,1,1\n"
      "PLAC-01,TORN-01,1,1\n",
-     {"2 Componente", "3 Componente", "4 Componente"}},
-    {"monedas: dos bases", "monedas", "moneda,Tc,Base\nEUR,20,1\nUSD,17,1\n", {"3 "}},
+     "2 Componente;3 Componente;4 Componente"},
+    {"monedas: dos bases", "monedas", "moneda,Tc,Base\nEUR,20,1\nUSD,17,1\n", "3 "},
 };
 
 struct Regla
@@ -176,7 +154,7 @@ private Q_SLOTS:
                 lugares << lugar(x);
                 QVERIFY2(!x.motivo.isEmpty(), caso.nombre);
             }
-            QVERIFY2(lugares == caso.esperado,
+            QVERIFY2(lugares.join(u';') == QString::fromUtf8(caso.esperado),
                      qPrintable(QStringLiteral("%1: %2").arg(caso.nombre, lugares.join(u';'))));
             QVERIFY(!r.escrito);
             QCOMPARE(base.filas("SELECT * FROM " + tabla), antes);

@@ -2,6 +2,7 @@
 
 #include "host/interaccion/Interaccion.h"
 #include "tests/support/InteraccionGuionada.h"
+#include "tests/support/Ventanas.h"
 
 #include <QLineEdit>
 #include <QtTest>
@@ -12,18 +13,7 @@
 
 using namespace zuvi::anfitrion;
 
-namespace {
-
-// The message box on screen (a question is modal; a message is modal in effect only).
-QMessageBox *cajaAbierta()
-{
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *caja = qobject_cast<QMessageBox *>(w); caja && caja->isVisible())
-            return caja;
-    return nullptr;
-}
-
-} // namespace
+using zuvi::pruebas::visibles;
 
 class TstInteraccion : public QObject
 {
@@ -65,7 +55,8 @@ private slots:
         QStringList vista; // text, title and icon of the last box answered
         const auto responde = [&vista](QMessageBox::StandardButton boton) {
             QTimer::singleShot(0, [&vista, boton] {
-                if (auto *caja = cajaAbierta()) {
+                // A question is modal; a message is modal in effect only.
+                if (auto *caja = visibles<QMessageBox>().value(0)) {
                     vista = {caja->text(), caja->windowTitle(), QString::number(caja->icon())};
                     caja->button(boton)->click();
                 }
@@ -89,10 +80,7 @@ private slots:
 
         auto p = ventanas->progreso();
         p->inicia(10, QStringLiteral("Entregando"), QStringLiteral("/no/hay.avi"));
-        QPointer<QProgressDialog> dialogo;
-        for (QWidget *w : QApplication::topLevelWidgets())
-            if (auto *d = qobject_cast<QProgressDialog *>(w); d && d->isVisible())
-                dialogo = d;
+        QPointer<QProgressDialog> dialogo = visibles<QProgressDialog>().value(0);
         QVERIFY(dialogo);
         p->avanza(4, QStringLiteral("Orden 120"), QStringLiteral("Artículo KIT-01"));
         QCOMPARE(dialogo->value(), 4);
@@ -130,7 +118,7 @@ private slots:
             campo.clear();
             enters = 0;
             QTimer::singleShot(0, [&campo, tecleado] {
-                QWidget *caja = cajaAbierta();
+                QWidget *caja = visibles<QMessageBox>().value(0);
                 if (!caja)
                     return; // no box: the counts below fail
                 const QString todo = QString::fromLatin1(tecleado);

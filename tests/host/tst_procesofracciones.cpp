@@ -7,10 +7,10 @@
 #include "runtime/Error.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/CapturaReportes.h"
+#include "tests/support/Ventanas.h"
 
 #include <QApplication>
 #include <QLineEdit>
-#include <QSqlQuery>
 #include <QTest>
 #include <QTextBrowser>
 
@@ -33,7 +33,7 @@ private Q_SLOTS:
     }
     void cleanup()
     {
-        qDeleteAll(QApplication::topLevelWidgets());
+        pruebas::cierraTodo();
         modulo::reinicia();
         m_base.reset();
     }
@@ -63,8 +63,8 @@ private Q_SLOTS:
         Produccion produccion; // opens the window the way the host does
         produccion.SetAmbiente(m_base->ambiente());
         produccion.MuestraCapturaDeFracciones();
-        QPointer f = qobject_cast<frmFracciones *>(QApplication::topLevelWidgets().value(0));
-        QVERIFY(f && QTest::qWaitForWindowActive(f));
+        QPointer f = pruebas::ventanaAbierta<frmFracciones>();
+        QVERIFY(f);
         QTest::keyClicks(f->txtFields(0), tecleado);
         QTest::keyClick(f->windowHandle(), Qt::Key_Return);
         QCOMPARE(m_informes->toma(), QStringList());
@@ -72,14 +72,11 @@ private Q_SLOTS:
         const QString visor = f->wb->toPlainText();
         QVERIFY2(visor.contains(enVisor) && visor.contains(articulo), qPrintable(visor));
         QCOMPARE(f->txtFields(0)->text(), articulo.isEmpty() ? tecleado : QString());
-        QSqlQuery q(m_base->conexion());
-        QVERIFY(q.exec("SELECT codigo, articulo, usuario, fecha, hora, estacion FROM fracciones"));
-        QStringList filas;
-        while (q.next())
-            for (int i = 0; i < 6; ++i)
-                filas << q.value(i).toString();
         const QString fila = tecleado.trimmed() + '|' + articulo + "|ADMIN|2024-05-02|10:15:30|1";
-        QCOMPARE(filas.join('|'), articulo.isEmpty() ? QString() : fila);
+        QCOMPARE(m_base->filas("SELECT codigo, articulo, usuario, fecha, hora, estacion FROM "
+                               "fracciones",
+                               '|'),
+                 articulo.isEmpty() ? QStringList() : QStringList{fila});
     }
 };
 

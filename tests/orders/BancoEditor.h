@@ -34,15 +34,6 @@ inline const QString kPartidas =
     " observ, partida, usuario, usufecha FROM oppart WHERE op = %1"
     " ORDER BY id_entrada";
 
-inline QList<frmOp *> editores()
-{
-    QList<frmOp *> lista;
-    for (QWidget *w : QApplication::topLevelWidgets())
-        if (auto *f = qobject_cast<frmOp *>(w); f && !f->descargada())
-            lista << f;
-    return lista;
-}
-
 struct BancoEditor
 {
 
@@ -61,16 +52,24 @@ struct BancoEditor
         return filas(base->conexion(), kCabecera + QString::number(op), u'|');
     }
     QStringList partidas(qint32 op) { return filas(base->conexion(), kPartidas.arg(op), u'|'); }
-    int cuenta(const QString &tabla)
-    {
-        return base->escalar("SELECT COUNT(*) FROM " + tabla).toInt();
-    }
+    int cuenta(const QString &tabla) { return base->cuenta(tabla); }
 
     // The one editor the last call opened, active.
-    QPointer<frmOp> editor() { return editores().size() == 1 ? ventanaAbierta<frmOp>() : nullptr; }
-    static QString foco(frmOp *f)
+    QPointer<frmOp> editor()
     {
-        return f->focusWidget() ? f->focusWidget()->objectName() : QString();
+        return visibles<frmOp>().size() == 1 ? ventanaAbierta<frmOp>() : nullptr;
+    }
+    // A new order (0) or the order to change, in the editor.
+    QPointer<frmOp> abre(qint32 op = 0)
+    {
+        op ? p->ModificaOp(op) : p->NuevaOp();
+        return editor();
+    }
+    // The name of what has the focus in the widget's window.
+    static QString foco(const QWidget *w)
+    {
+        const QWidget *f = w->window()->focusWidget();
+        return f ? f->objectName() : QString();
     }
 
     void preparaClase()

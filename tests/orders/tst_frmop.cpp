@@ -59,8 +59,7 @@ private Q_SLOTS:
         });
         tiposPequenos.clear();
         deNuevo(); // the module takes its builder when it starts
-        p->NuevaOp();
-        auto f = editor();
+        auto f = abre();
         QVERIFY(f);
         QCOMPARE(f->Modo, QStringLiteral("ALTA"));
         QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
@@ -114,8 +113,7 @@ private Q_SLOTS:
     // window stays open with Finalizar disabled.
     void nuevaOrdenSinPartidasQuedaPendiente()
     {
-        p->NuevaOp();
-        auto f = editor();
+        auto f = abre();
         QVERIFY(f);
         const int antes = cuenta("op");
         ui->respuestas({true});
@@ -134,8 +132,7 @@ private Q_SLOTS:
     void ordenExistenteModificadaYPendiente()
     {
         base->ejecuta("UPDATE op SET automatico = 1, usuario = 'OTRO' WHERE op = 1");
-        p->ModificaOp(1);
-        auto f = editor();
+        auto f = abre(1);
         QVERIFY(f);
         QCOMPARE(f->windowTitle(), QStringLiteral("Orden de fabricación: 1"));
         QCOMPARE(base->escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
@@ -176,8 +173,7 @@ private Q_SLOTS:
             deNuevo();
             base->ejecuta(
                 QStringLiteral("UPDATE op SET automatico = %1 WHERE op = 1").arg(c.antes));
-            p->ModificaOp(1);
-            auto f = editor();
+            auto f = abre(1);
             QVERIFY(f);
             f->Check1->setChecked(c.marcado);
             ui->respuestas({true});
@@ -206,8 +202,7 @@ private Q_SLOTS:
             {5, "", nullptr},
         };
         base->ejecuta("UPDATE oppart SET observ = '' WHERE op = 1");
-        p->ModificaOp(1);
-        auto f = editor();
+        auto f = abre(1);
         QVERIFY(f);
         const QString id = f->fg2->TextMatrix(1, 5);
         const QString sql =
@@ -250,8 +245,7 @@ private Q_SLOTS:
         for (const auto &c : casos) {
             deNuevo();
             base->ejecuta("UPDATE estaciones SET almacen = 3");
-            p->NuevaOp();
-            auto f = editor();
+            auto f = abre();
             QVERIFY(f);
             const int ops = cuenta("op"), lineas = cuenta("oppart");
             teclea(f, QString::fromUtf8(c.articulo) + "⏎" + c.cantidad + "⏎");
@@ -279,8 +273,7 @@ private Q_SLOTS:
     {
         for (const auto &[almacen, numero] : {std::pair{"", 240}, {"99", 241}}) {
             deNuevo();
-            p->NuevaOp();
-            auto f = editor();
+            auto f = abre();
             QVERIFY(f);
             f->txtFields(14)->setText(almacen);
             teclea(f, "{F5}");
@@ -290,27 +283,11 @@ private Q_SLOTS:
         }
     }
 
-    // With the barcode reader on, a scanned code and its Enter add a line of one.
-    void lectorDeCodigos()
-    {
-        base->ejecuta("UPDATE estaciones SET lector = 1");
-        p->NuevaOp();
-        auto f = editor();
-        QVERIFY(f && f->Check4->isChecked());
-        teclea(f, "7501000000011⏎TUER-01⏎");
-        QCOMPARE(f->fg2->TextMatrix(1, 0) + ' ' + f->fg2->TextMatrix(1, 1) + ' ' +
-                     f->fg2->TextMatrix(2, 0) + ' ' + f->fg2->TextMatrix(2, 1),
-                 QStringLiteral("TORN-01 1 TUER-01 1"));
-        QCOMPARE(partidas(f->Op).size(), 2);
-        QCOMPARE(foco(f), QStringLiteral("txtFields_4"));
-    }
-
     // The exchange rate of the currency typed, and the salesperson's name: an unknown
     // currency empties the rate, the base currency disables it for good.
     void tipoDeCambioYVendedor()
     {
-        p->NuevaOp();
-        auto f = editor();
+        auto f = abre();
         QVERIFY(f);
         const auto tc = [&](const QString &moneda) {
             f->txtFields(15)->setText(moneda);
@@ -337,8 +314,7 @@ private Q_SLOTS:
             base->ejecuta(QStringLiteral("INSERT INTO oppart (id_entrada, op, articulo, cantidad) "
                                          "VALUES (%1, 3, 'TORN-01', 1)")
                               .arg(1000 + i));
-        p->ModificaOp(3);
-        auto f = editor();
+        auto f = abre(3);
         QVERIFY(f);
         QCOMPARE(f->CuantasPartidas(), 100);
         teclea(f, "TUER-01⏎4⏎");
@@ -350,8 +326,7 @@ private Q_SLOTS:
     // Delete in the grid removes a stored line, but not in view-only mode.
     void suprimirPartida()
     {
-        p->ModificaOp(1);
-        auto f = editor();
+        auto f = abre(1);
         QVERIFY(f);
         f->fg2->setFocus();
         f->fg2->SetRow(1);
@@ -376,8 +351,7 @@ private Q_SLOTS:
         QTemporaryDir carpeta;
         anfitrion::ponCarpetaReportes(carpeta.path());
         conEtiquetas = true;
-        p->ModificaOp(1);
-        auto f = editor();
+        auto f = abre(1);
         QVERIFY(f);
         QTest::mouseClick(f->Label10(2), Qt::LeftButton);
         QVERIFY(f->Check2->isChecked());

@@ -53,7 +53,7 @@ private Q_SLOTS:
             for (int n : {72, 76, 753, 754, 755, 756})
                 esperado.replace(QString::number(n), mensaje(n));
             QCOMPARE(vistos, esperado.isEmpty() ? QStringList() : QStringList{esperado});
-            const auto lista = editores();
+            const auto lista = visibles<frmOp>();
             const QString modo = QString::fromUtf8(c.modo);
             QCOMPARE(lista.size(), modo.isEmpty() ? 0 : 1);
             if (!modo.isEmpty()) {
@@ -81,8 +81,7 @@ private Q_SLOTS:
     void cierreYRechazos()
     {
         vetados = {"Op001"};
-        p->ModificaOp(1);
-        auto f = editor();
+        auto f = abre(1);
         QVERIFY(f);
         QVERIFY(fromVBool(f->Rechazo));
         QCloseEvent desdeTitulo;
@@ -107,8 +106,7 @@ private Q_SLOTS:
     void partidaRechazada()
     {
         vetados = {"Op005"};
-        p->NuevaOp();
-        auto f = editor();
+        auto f = abre();
         QVERIFY(f);
         teclea(f, "TORN-01⏎1⏎");
         QCOMPARE(f->Modo, QStringLiteral("ALTA"));
@@ -128,8 +126,7 @@ private Q_SLOTS:
             base->ejecuta(
                 QStringLiteral("INSERT INTO folios (clave, ultimo) VALUES ('%1', 2147483646)")
                     .arg(clave));
-            p->NuevaOp();
-            auto f = editor();
+            auto f = abre();
             QVERIFY(f);
             const int ops = cuenta("op"), lineas = cuenta("oppart");
             teclea(f, "TORN-01⏎1⏎");
@@ -146,8 +143,7 @@ private Q_SLOTS:
     // error, the window goes, the busy mark stays behind.
     void baseDeDatosPerdida()
     {
-        p->ModificaOp(1);
-        auto f = editor();
+        auto f = abre(1);
         QVERIFY(f);
         QSqlDatabase db = base->conexion();
         anfitrion::olvidaSentencias(db);

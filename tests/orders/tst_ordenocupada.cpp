@@ -56,13 +56,7 @@ private Q_SLOTS:
         QVERIFY(f);
         QCOMPARE(base.escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 1);
 
-        const QString texto =
-            [&](int n) {
-                return base
-                    .escalar(QStringLiteral("SELECT texto FROM mensajes WHERE numero = %1").arg(n))
-                    .toString();
-            }(756) +
-            " ADMIN " + base.escalar("SELECT texto FROM mensajes WHERE numero = 76").toString();
+        const QString texto = base.mensaje(756) + " ADMIN " + base.mensaje(76);
         const Corrida otra =
             corre(QStringList{"invoca", "ModificaOp", "1"} + base.otraCuenta("OTRO", "captura"));
         QVERIFY2(otra.error.contains(texto), qPrintable(otra.error));
@@ -82,11 +76,11 @@ private Q_SLOTS:
             const Corrida c = corre(lote + QStringList{"--base", base.url(), "--usuario", "OTRO"});
             QVERIFY2(c.codigo != 0 && c.error.contains(titular), qPrintable(c.error));
         }
-        QCOMPARE(base.escalar("SELECT COUNT(*) FROM movimientos").toInt(), 0);
-        QCOMPARE(base.escalar("SELECT COUNT(*) FROM op WHERE op = 1").toInt(), 1);
+        QCOMPARE(base.cuenta("movimientos"), 0);
+        QCOMPARE(base.cuenta("op WHERE op = 1"), 1);
         QVERIFY(f->descarga());
         QCOMPARE(base.escalar("SELECT ocupado FROM op WHERE op = 1").toInt(), 0);
-        QCOMPARE(base.escalar("SELECT COUNT(*) FROM reclamos").toInt(), 0);
+        QCOMPARE(base.cuenta("reclamos"), 0);
     }
 
     // Two connections released at the same instant claim one order, round
@@ -132,7 +126,7 @@ private Q_SLOTS:
             const QString quien = gana ? "LAURA en la estación 8" : "PEDRO en la estación 7";
             QVERIFY2(dice[1 - gana].contains(quien), qPrintable(dice[1 - gana]));
             QVERIFY(solto[gana] && !solto[1 - gana]);
-            QCOMPARE(base.escalar("SELECT COUNT(*) FROM reclamos").toInt(), 0);
+            QCOMPARE(base.cuenta("reclamos"), 0);
         }
     }
 
@@ -154,7 +148,7 @@ private Q_SLOTS:
         QCOMPARE(base.filas("SELECT usuario, estacion, motivo FROM reclamos WHERE op = 3"),
                  QStringList{"ADMIN 1 edicion"});
         QVERIFY(f->descarga());
-        QCOMPARE(base.escalar("SELECT COUNT(*) FROM reclamos").toInt(), 0);
+        QCOMPARE(base.cuenta("reclamos"), 0);
     }
 
     // The session that holds an order is dropped: the next statement opens
@@ -169,7 +163,7 @@ private Q_SLOTS:
         QSqlDatabase otra = QSqlDatabase::cloneDatabase(db, "verdugo");
         QVERIFY(otra.open());
         QVERIFY(QSqlQuery(otra).exec("KILL " + base.escalar("SELECT CONNECTION_ID()").toString()));
-        QCOMPARE(base.escalar("SELECT COUNT(*) FROM op WHERE op = 1").toInt(), 1);
+        QCOMPARE(base.cuenta("op WHERE op = 1"), 1);
         const std::optional<anfitrion::Titular> t = anfitrion::titular(otra, 1);
         QVERIFY(t && t->vivo && !t->propio && anfitrion::titular(db, 1)->propio);
         otra.close();
@@ -184,35 +178,17 @@ private Q_SLOTS:
         pruebas::BaseDePrueba base;
         QSqlDatabase otra = QSqlDatabase::cloneDatabase(base.conexion(), "escritor");
         QVERIFY(otra.open() && QSqlQuery(otra).exec("BEGIN IMMEDIATE"));
-        struct Espera : pruebas::InteraccionGuionada
-        {
-            QSqlDatabase *escritor = nullptr;
-            QStringList vistos;
-            std::unique_ptr<anfitrion::IndicadorProgreso> progreso() override
-            {
-                struct Indicador : anfitrion::IndicadorProgreso
-                {
-                    Espera *e;
-                    void inicia(int, const QString &titulo, const QString &) override
-                    {
-                        e->vistos << titulo;
-                    }
-                    void avanza(int, const QString &, const QString &) override
-                    {
-                        QSqlQuery(*e->escritor).exec("ROLLBACK"); // the other program is done
-                    }
-                    void cierra() override { e->vistos << "cierra"; }
-                };
-                auto i = std::make_unique<Indicador>();
-                i->e = this;
-                return i;
-            }
+        auto espera = pruebas::InteraccionGuionada::instala();
+        espera->alProgreso = [&otra](const pruebas::InteraccionGuionada::LlamadaProgreso &l) {
+            if (l.operacion == u"avanza")
+                QSqlQuery(otra).exec("ROLLBACK"); // the other program is done
         };
-        auto espera = std::make_shared<Espera>();
-        espera->escritor = &otra;
-        anfitrion::ponInteraccion(espera);
         QVERIFY(anfitrion::reclama(base.conexion(), 1, anfitrion::kReclamoEdicion).nuevo);
-        QCOMPARE(espera->vistos, QStringList({"Esperando la base de datos", "cierra"}));
+        QStringList vistos; // what the person sees: the waiting shown, then closed
+        for (const auto &l : espera->llamadasProgreso())
+            if (l.operacion != u"avanza")
+                vistos << l.operacion + ' ' + l.texto1;
+        QCOMPARE(vistos, QStringList({"inicia Esperando la base de datos", "cierra "}));
         otra.close();
     }
 
@@ -263,7 +239,7 @@ private Q_SLOTS:
             libera->trigger();
             QVERIFY(guion->preguntas().last().contains("LAURA en la estación 7"));
             QVERIFY(guion->preguntas().last().contains("(hace "));
-            QCOMPARE(base.escalar("SELECT COUNT(*) FROM reclamos").toInt(), 0);
+            QCOMPARE(base.cuenta("reclamos"), 0);
             anfitrion::suelta(otra, 2); // the lock its session still held
             anfitrion::quitaIdentidad(otra);
             otra.close();

@@ -19,11 +19,7 @@ class TstReglasOrden : public QObject, public BancoEditor
     {
         anfitrion::ponManejadorProceso("Op001", m_carga);
         anfitrion::ponManejadorProceso("Op005", m_partida);
-        if (op == 0)
-            p->NuevaOp();
-        else
-            p->ModificaOp(op);
-        return editor();
+        return BancoEditor::abre(op);
     }
 
 private Q_SLOTS:

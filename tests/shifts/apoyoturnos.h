@@ -34,11 +34,7 @@ inline QTimer *enEditor(std::function<void(zuvi::frmTurno *)> pasos, bool *visto
     auto *reloj = new QTimer;
     reloj->setInterval(10);
     QObject::connect(reloj, &QTimer::timeout, [reloj, pasos, visto] {
-        QPointer<zuvi::frmTurno> e;
-        for (QWidget *w : QApplication::topLevelWidgets())
-            if (auto *v = qobject_cast<zuvi::frmTurno *>(w);
-                v && v->isVisible() && !v->descargada())
-                e = v;
+        QPointer<zuvi::frmTurno> e = visibles<zuvi::frmTurno>().value(0);
         if (!e)
             return;
         reloj->stop();

@@ -31,11 +31,6 @@ class TstFrmTurnos : public QObject
         return filas("SELECT turno, entrada, comida, salida, descanso, "
                      "regcomida FROM turnos ORDER BY turno");
     }
-    QStringList miembros()
-    {
-        return filas("SELECT turno, empleado FROM turnoempleado ORDER BY "
-                     "turno, empleado");
-    }
     int cuenta(const QString &sql) { return m_base->escalar(sql).toInt(); }
 
     // Types into the fields of the editor with the keyboard, moving with Tab in the order
@@ -203,15 +198,11 @@ private Q_SLOTS:
     // SalvaCambios in frmTurno in Spanish, naming the key, nothing written, the editor still open.
     void claveConComilla()
     {
-        const struct
-        {
-            const char *clave;
-            const char *causa;
-        } casos[] = {
+        const std::pair<const char *, const char *> casos[] = {
             {"O'Brien", "\"O'Brien\" no es una clave válida de turno"},
-            {"MATUTINO", "Ya existe un turno con la clave \"MATUTINO\"."},
-        };
+            {"MATUTINO", "Ya existe un turno con la clave \"MATUTINO\"."}};
         for (const auto &caso : casos) {
+            const QString clave = caso.first, causa = caso.second;
             auto f = abreCatalogo(m_base->ambiente());
             QVERIFY(f);
             const int empleados = cuenta("SELECT COUNT(*) FROM empleados");
@@ -219,18 +210,18 @@ private Q_SLOTS:
             bool abierta = false;
             m_guion->olvida();
             enEditor([&](frmTurno *e) {
-                tecleaCampos(e, {caso.clave, "07:00", "11:00", "15:00", "Lunes", "11:30"});
+                tecleaCampos(e, {clave, "07:00", "11:00", "15:00", "Lunes", "11:30"});
                 agrega(e, {"E006"});
                 atajo(e, Qt::Key_A);
                 abierta = e->isVisible() && !e->descargada();
             });
             atajo(f, Qt::Key_N);
-            QVERIFY2(abierta, caso.clave);
+            QVERIFY2(abierta, caso.first);
             QCOMPARE(m_guion->reportes().size(), 1);
             QVERIFY2(m_guion->reportes().first().startsWith(
                          "Error occured:\r\nModule: frmTurno\r\nFunction: SalvaCambios\r\n"
                          "Description: " +
-                         QString::fromUtf8(caso.causa)),
+                         causa),
                      qPrintable(m_guion->reportes().first()));
             QCOMPARE(turnos(), antes);
             QCOMPARE(cuenta("SELECT COUNT(*) FROM turnoempleado WHERE empleado = 'E006'"), 0);

@@ -99,6 +99,8 @@ struct ControlProcesosGuionado : Guionado<ControlProcesos>
     {
         m->anota("IniciaProceso", {a.proceso, nombre(a.objeto)});
         m_ultima = a.proceso;
+        if (m->sinObjeto)
+            a.objeto = nullptr;
     }
     void ConsultaProceso(VBool &bandera) override
     {

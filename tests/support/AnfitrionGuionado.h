@@ -36,8 +36,9 @@ struct AnfitrionGuionado
     // Consulta of a text found here works `first` more times, then throws
     // Error(second) on every further call.
     QHash<QString, QPair<int, QString>> fallas;
-    QString si;            // answers to Pregunta in order, 's' for yes; no when none is left
-    QSet<QString> vetadas; // process keys after which ConsultaProceso vetoes
+    QString si;             // answers to Pregunta in order, 's' for yes; no when none is left
+    QSet<QString> vetadas;  // process keys after which ConsultaProceso vetoes
+    bool sinObjeto = false; // IniciaProceso leaves argument (2) empty
 
     // --- what the component did ---
     QStringList registro;

@@ -8,6 +8,7 @@
 #include "host/base/Sesion.h"
 #include "host/procesos/Procesos.h"
 #include "host/servicios/Registro.h"
+#include "runtime/Error.h"
 
 #include <QDateTime>
 #include <QSqlDatabase>
@@ -46,6 +47,8 @@ public:
     {
         return pruebas::filas(conexion(), sql, separador);
     }
+    // Rows of "table [WHERE ...]".
+    int cuenta(const QString &desde) { return escalar("SELECT COUNT(*) FROM " + desde).toInt(); }
     // Text of the catalogue message with this number.
     QString mensaje(int numero)
     {
@@ -73,6 +76,17 @@ private:
     QString m_nombreMariaDB; // the database to drop, on MariaDB
     std::unique_ptr<anfitrion::Sesion> m_sesion;
 };
+
+// The description of the Error the call throws; empty when it throws none.
+template <typename F> QString errorDe(F &&llamada)
+{
+    try {
+        llamada();
+    } catch (const Error &e) {
+        return e.description();
+    }
+    return {};
+}
 
 // Puts the host's implementations into the class registry.
 inline void preparaRegistro()

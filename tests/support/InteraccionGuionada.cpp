@@ -4,21 +4,25 @@ namespace zuvi::pruebas {
 
 namespace {
 
-using Llamadas = QList<InteraccionGuionada::LlamadaProgreso>;
-
 struct ProgresoGuionado : zuvi::anfitrion::IndicadorProgreso
 {
-    explicit ProgresoGuionado(Llamadas *llamadas) : m_llamadas(llamadas) {}
+    explicit ProgresoGuionado(InteraccionGuionada *guion) : m_guion(guion) {}
     void inicia(int total, const QString &titulo, const QString &animacion) override
     {
-        m_llamadas->append({QStringLiteral("inicia"), total, titulo, animacion});
+        anota({QStringLiteral("inicia"), total, titulo, animacion});
     }
     void avanza(int paso, const QString &linea1, const QString &linea2) override
     {
-        m_llamadas->append({QStringLiteral("avanza"), paso, linea1, linea2});
+        anota({QStringLiteral("avanza"), paso, linea1, linea2});
     }
-    void cierra() override { m_llamadas->append({QStringLiteral("cierra"), 0, {}, {}}); }
-    Llamadas *m_llamadas;
+    void cierra() override { anota({QStringLiteral("cierra"), 0, {}, {}}); }
+    void anota(const InteraccionGuionada::LlamadaProgreso &llamada)
+    {
+        m_guion->anotaProgreso(llamada);
+        if (m_guion->alProgreso)
+            m_guion->alProgreso(llamada);
+    }
+    InteraccionGuionada *m_guion;
 };
 
 } // namespace
@@ -31,7 +35,7 @@ bool InteraccionGuionada::pregunta(const QString &texto)
 
 std::unique_ptr<zuvi::anfitrion::IndicadorProgreso> InteraccionGuionada::progreso()
 {
-    return std::make_unique<ProgresoGuionado>(&m_progreso);
+    return std::make_unique<ProgresoGuionado>(this);
 }
 
 QStringList InteraccionGuionada::textosMensajes() const

@@ -11,6 +11,7 @@
 #include <QString>
 #include <QStringList>
 
+#include <functional>
 #include <memory>
 
 namespace zuvi::pruebas {
@@ -38,18 +39,20 @@ public:
     void reporte(const QString &, const QString &texto) override { m_reportes.append(texto); }
     std::unique_ptr<zuvi::anfitrion::IndicadorProgreso> progreso() override;
 
+    // Runs on each progress call, after it is recorded (what another program does meanwhile).
+    std::function<void(const LlamadaProgreso &)> alProgreso;
+
     // Answers for the coming questions, in order.
     void respuestas(std::initializer_list<bool> lista) { m_respuestas.append(lista); }
-    void agregaRespuesta(bool si) { m_respuestas.enqueue(si); }
-    int respuestasPendientes() const { return int(m_respuestas.size()); }
 
     const QList<MensajeVisto> &mensajes() const { return m_mensajes; }
     QStringList textosMensajes() const;
     const QStringList &preguntas() const { return m_preguntas; }
     const QStringList &reportes() const { return m_reportes; }
     const QList<LlamadaProgreso> &llamadasProgreso() const { return m_progreso; }
+    void anotaProgreso(const LlamadaProgreso &llamada) { m_progreso.append(llamada); }
 
-    // Forgets what was recorded and the pending answers.
+    // Forgets what was recorded, the pending answers and alProgreso.
     void olvida() { *this = InteraccionGuionada(); }
 
     static std::shared_ptr<InteraccionGuionada> instala();

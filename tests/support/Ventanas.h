@@ -20,19 +20,26 @@
 
 namespace zuvi::pruebas {
 
-// The visible top-level window of class T that `ya` has not seen yet (any
-// such window when ya is null), once it is active; null when there is none.
-template <typename T> QPointer<T> ventanaAbierta(QList<QPointer<T>> *ya = nullptr)
+// The visible top-level windows of class T; a window of ours counts until it is unloaded.
+template <typename T> QList<T *> visibles()
 {
+    QList<T *> lista;
     for (QWidget *w : QApplication::topLevelWidgets()) {
         auto *v = qobject_cast<T *>(w);
-        if (!v || !v->isVisible() || v->descargada() || (ya && ya->contains(v)))
-            continue;
-        if (ya)
-            ya->append(v);
-        return QTest::qWaitForWindowActive(v) ? v : nullptr;
+        bool vale = v && v->isVisible();
+        if constexpr (requires { v->descargada(); })
+            vale = vale && !v->descargada();
+        if (vale)
+            lista << v;
     }
-    return nullptr;
+    return lista;
+}
+
+// The first of those windows, once it is active; null when there is none.
+template <typename T> QPointer<T> ventanaAbierta()
+{
+    const QList<T *> lista = visibles<T>();
+    return !lista.isEmpty() && QTest::qWaitForWindowActive(lista.first()) ? lista.first() : nullptr;
 }
 
 // Deletes every top-level window left over; a window's own popups go with it.

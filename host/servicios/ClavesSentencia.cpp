@@ -42,27 +42,52 @@ QString dicho(const Nombre (&tabla)[N], const QString &nombre, const QString &ot
 void compruebaClaveEnSentencia(const QString &sentencia)
 {
     // The last "column = '" outside a quoted text, and the rest of the
-    // statement up to its last quote as the key.
-    static const QRegularExpression comparacion(QStringLiteral("(\\w+)\\s*=\\s*'"));
-    QRegularExpressionMatch ultima;
-    for (auto it = comparacion.globalMatch(sentencia); it.hasNext();) {
-        const QRegularExpressionMatch m = it.next();
-        if (sentencia.left(m.capturedStart()).count(QLatin1Char('\'')) % 2 == 0)
-            ultima = m;
+    // statement up to its last quote as the key. Every statement the
+    // component runs comes through here, so it is one pass by hand.
+    const QStringView s(sentencia);
+    // Column names are plain ASCII, as are the blanks between them.
+    const auto palabra = [](QChar c) {
+        return (c >= u'a' && c <= u'z') || (c >= u'A' && c <= u'Z') || (c >= u'0' && c <= u'9') ||
+               c == u'_';
+    };
+    const auto blanco = [](QChar c) { return c == u' ' || (c >= u'\t' && c <= u'\r'); };
+    qsizetype desde = -1;
+    QStringView columna;
+    bool dentro = false;
+    for (qsizetype i = 0; i < s.size(); ++i) {
+        if (s[i] != u'\'')
+            continue;
+        if (!dentro) {
+            qsizetype j = i;
+            while (j > 0 && blanco(s[j - 1]))
+                --j;
+            if (j > 0 && s[j - 1] == u'=') {
+                --j;
+                while (j > 0 && blanco(s[j - 1]))
+                    --j;
+                const qsizetype fin = j;
+                while (j > 0 && palabra(s[j - 1]))
+                    --j;
+                if (j < fin) {
+                    desde = i + 1;
+                    columna = s.mid(j, fin - j);
+                }
+            }
+        }
+        dentro = !dentro;
     }
-    if (!ultima.hasMatch())
+    if (desde < 0)
         return;
-    const qsizetype desde = ultima.capturedEnd();
-    const qsizetype cierre = sentencia.lastIndexOf(QLatin1Char('\''));
-    if (cierre < desde || !sentencia.mid(cierre + 1).trimmed().isEmpty())
+    const qsizetype cierre = s.lastIndexOf(u'\'');
+    if (cierre < desde || !s.mid(cierre + 1).trimmed().isEmpty())
         return;
-    const QString clave = sentencia.mid(desde, cierre - desde);
-    if (!clave.contains(QLatin1Char('\'')) && !clave.contains(QLatin1Char('\\')))
+    const QStringView clave = s.mid(desde, cierre - desde);
+    if (!clave.contains(u'\'') && !clave.contains(u'\\'))
         return;
-    throw Rechazo(
-        QStringLiteral("\"%1\" no es una clave válida de %2: una clave no puede llevar "
-                       "comillas ni barras inversas.")
-            .arg(clave.trimmed(), dicho(kClaves, ultima.captured(1), ultima.captured(1))));
+    throw Rechazo(QStringLiteral("\"%1\" no es una clave válida de %2: una clave no puede llevar "
+                                 "comillas ni barras inversas.")
+                      .arg(clave.trimmed().toString(),
+                           dicho(kClaves, columna.toString(), columna.toString())));
 }
 
 void compruebaClaveNueva(const QSqlDatabase &db, const QString &tabla, const QStringList &columnas,

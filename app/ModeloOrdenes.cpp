@@ -87,8 +87,9 @@ std::vector<ModeloOrdenes::Fila> ModeloOrdenes::lee(const QString &condicionExtr
     QString sql = seleccion();
     if (!c.isEmpty())
         sql += QStringLiteral(" WHERE ") + c.join(QStringLiteral(" AND "));
-    sql += m_filtro.ascendente ? QStringLiteral(" ORDER BY op.op")
-                               : QStringLiteral(" ORDER BY op.op DESC");
+    const QString sentido = m_filtro.ascendente ? QString() : QStringLiteral(" DESC");
+    sql += m_filtro.porEmision ? QStringLiteral(" ORDER BY op.f_emision%1, op.op%1").arg(sentido)
+                               : QStringLiteral(" ORDER BY op.op") + sentido;
     if (limite > 0)
         sql += QStringLiteral(" LIMIT %1").arg(limite);
     QSqlQuery q = anfitrion::ejecutaConValores(m_db, sql, valores);
@@ -98,6 +99,10 @@ std::vector<ModeloOrdenes::Fila> ModeloOrdenes::lee(const QString &condicionExtr
         f.op = q.value(0).toInt();
         f.estado = q.value(1).toString().trimmed();
         f.emision = textoFecha(q.value(2));
+        if (!q.value(2).isNull())
+            f.fecha = q.value(2).typeId() == QMetaType::QDate
+                          ? q.value(2).toDate().toString(Qt::ISODate)
+                          : q.value(2).toString();
         f.almacen = q.value(3);
         f.observ = q.value(4).toString().trimmed();
         f.cerrado = q.value(5).toInt() != 0;
@@ -145,9 +150,15 @@ void ModeloOrdenes::leeDesdeElPrincipio(int cuantas)
     anotaMayor();
 }
 
-bool ModeloOrdenes::antesQue(qint32 a, qint32 b) const
+bool ModeloOrdenes::antesQue(const Fila &a, const Fila &b) const
 {
-    return m_filtro.ascendente ? a < b : a > b;
+    // A missing date goes below every date, as both engines sort it.
+    if (m_filtro.porEmision && a.fecha != b.fecha) {
+        const bool menor =
+            a.fecha.isNull() || (!b.fecha.isNull() && a.fecha.toString() < b.fecha.toString());
+        return m_filtro.ascendente == menor;
+    }
+    return m_filtro.ascendente ? a.op < b.op : a.op > b.op;
 }
 
 void ModeloOrdenes::refrescaOrden(qint32 op)
@@ -165,7 +176,7 @@ void ModeloOrdenes::refrescaOrden(qint32 op)
         // Where it belongs, when that is among the rows loaded (past the last
         // one it comes with the next page).
         const auto donde = std::find_if(m_filas.begin(), m_filas.end(),
-                                        [&](const Fila &f) { return antesQue(op, f.op); });
+                                        [&](const Fila &f) { return antesQue(leida.front(), f); });
         if (donde == m_filas.end() && m_hayMas)
             return;
         const int n = int(donde - m_filas.begin());
@@ -278,11 +289,37 @@ void ModeloOrdenes::fetchMore(const QModelIndex &padre)
 
 void ModeloOrdenes::sigue()
 {
-    // The next page after the last row loaded: the index on the order number
-    // goes straight there, however deep the list has been scrolled.
-    const QString despues =
-        m_filtro.ascendente ? QStringLiteral("op.op > ?") : QStringLiteral("op.op < ?");
-    std::vector<Fila> filas = lee(despues, {m_filas.back().op}, kPagina + 1);
+    // The next page after the last row loaded: each condition below lets the
+    // index go straight there, however deep the list has been scrolled. By
+    // date, the rows after it are those of its date and a higher (lower)
+    // number, then those of a later (earlier) date; the orders without a date
+    // sort below every date, so they come first going up and last going
+    // down, read by a condition of their own.
+    const Fila &ultima = m_filas.back();
+    const bool sube = m_filtro.ascendente;
+    const QString mas = sube ? QStringLiteral(">") : QStringLiteral("<");
+    std::vector<std::pair<QString, QVariantList>> tramos;
+    if (!m_filtro.porEmision) {
+        tramos.push_back({QStringLiteral("op.op %1 ?").arg(mas), {ultima.op}});
+    } else if (ultima.fecha.isNull()) {
+        tramos.push_back(
+            {QStringLiteral("op.f_emision IS NULL AND op.op %1 ?").arg(mas), {ultima.op}});
+        if (sube)
+            tramos.push_back({QStringLiteral("op.f_emision IS NOT NULL"), {}});
+    } else {
+        tramos.push_back(
+            {QStringLiteral("op.f_emision %1= ? AND (op.f_emision %1 ? OR op.op %1 ?)").arg(mas),
+             {ultima.fecha, ultima.fecha, ultima.op}});
+        if (!sube)
+            tramos.push_back({QStringLiteral("op.f_emision IS NULL"), {}});
+    }
+    std::vector<Fila> filas;
+    for (const auto &[condicion, valores] : tramos) {
+        std::vector<Fila> leidas = lee(condicion, valores, kPagina + 1 - int(filas.size()));
+        std::move(leidas.begin(), leidas.end(), std::back_inserter(filas));
+        if (filas.size() > size_t(kPagina))
+            break;
+    }
     m_hayMas = filas.size() > size_t(kPagina);
     if (m_hayMas)
         filas.pop_back();

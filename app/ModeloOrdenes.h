@@ -1,9 +1,9 @@
 #pragma once
 
 // The main window's list of production orders, read a page at a time as the
-// list scrolls: the database filters and orders by the order number (an
-// index serves every filter), and a changed order is read again on its own
-// instead of the whole list.
+// list scrolls: the database filters and orders by the order number or by
+// the date of issue (indexes serve both), and a changed order is read again
+// on its own instead of the whole list.
 
 #include <QAbstractTableModel>
 #include <QDate>
@@ -20,6 +20,7 @@ struct FiltroOrdenes
     Estado estado = Estado::SinCerrar;
     QDate desde, hasta;      // of issue; an invalid date sets no bound
     QString texto;           // an order number, or words all found in the observations
+    bool porEmision = false; // by the date of issue (then the number), not the number
     bool ascendente = false; // by default the newest first
 };
 
@@ -77,6 +78,7 @@ private:
     {
         qint32 op = 0;
         QString estado, emision, observ, ocupada;
+        QVariant fecha; // the date of issue as stored (ISO text), null when it has none
         QVariant almacen;
         bool cerrado = false, ocupadaNula = true;
         qint64 partidas = 0;
@@ -86,7 +88,7 @@ private:
     // order, at most limite of them (0: all).
     std::vector<Fila> lee(const QString &condicionExtra, const QVariantList &valoresExtra,
                           int limite) const;
-    bool antesQue(qint32 a, qint32 b) const; // a goes above b
+    bool antesQue(const Fila &a, const Fila &b) const; // a goes above b
     void anotaMayor();
     void leeDesdeElPrincipio(int cuantas);
 

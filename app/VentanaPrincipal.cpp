@@ -87,15 +87,18 @@ VentanaPrincipal::VentanaPrincipal(anfitrion::Sesion &sesion, QObject *produccio
     m_lista->verticalHeader()->hide();
     m_lista->verticalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     m_lista->horizontalHeader()->setSectionResizeMode(Col::ColObserv, QHeaderView::Stretch);
-    // The list orders by the order number, either way; a click on its caption turns it.
+    // The list orders by the order number or by the date of issue, newest
+    // first; a click on either caption orders by it, a second one turns it.
     m_lista->horizontalHeader()->setSortIndicatorShown(true);
     m_lista->horizontalHeader()->setSortIndicator(Col::ColOp, Qt::DescendingOrder);
     m_lista->horizontalHeader()->setSectionsClickable(true);
     connect(m_lista->horizontalHeader(), &QHeaderView::sectionClicked, this, [this](int seccion) {
-        if (seccion == Col::ColOp)
-            aplicaFiltro(true);
-        m_lista->horizontalHeader()->setSortIndicator(
-            Col::ColOp, m_modelo->filtro().ascendente ? Qt::AscendingOrder : Qt::DescendingOrder);
+        if (seccion == Col::ColOp || seccion == Col::ColEmision)
+            aplicaFiltro(seccion);
+        const FiltroOrdenes &f = m_modelo->filtro();
+        m_lista->horizontalHeader()->setSortIndicator(f.porEmision ? Col::ColEmision : Col::ColOp,
+                                                      f.ascendente ? Qt::AscendingOrder
+                                                                   : Qt::DescendingOrder);
     });
 
     auto *centro = new QWidget(this);
@@ -154,7 +157,7 @@ QWidget *VentanaPrincipal::creaFiltros()
     auto *pausa = new QTimer(this);
     pausa->setSingleShot(true);
     pausa->setInterval(250);
-    const auto aplica = [this] { aplicaFiltro(false); };
+    const auto aplica = [this] { aplicaFiltro(); };
     connect(pausa, &QTimer::timeout, this, aplica);
     connect(m_texto, &QLineEdit::textChanged, pausa, qOverload<>(&QTimer::start));
     connect(m_estado, &QComboBox::currentIndexChanged, this, aplica);
@@ -163,15 +166,18 @@ QWidget *VentanaPrincipal::creaFiltros()
     return barra;
 }
 
-void VentanaPrincipal::aplicaFiltro(bool giraOrden)
+void VentanaPrincipal::aplicaFiltro(int columna)
 {
     FiltroOrdenes f = m_modelo->filtro();
     f.estado = FiltroOrdenes::Estado(qBound(0, m_estado->currentIndex(), 2));
     f.desde = m_desde->date() == kSinLimite ? QDate() : m_desde->date();
     f.hasta = m_hasta->date() == kSinLimite ? QDate() : m_hasta->date();
     f.texto = m_texto->text();
-    if (giraOrden)
-        f.ascendente = !f.ascendente;
+    if (columna >= 0) {
+        const bool porEmision = columna == Col::ColEmision;
+        f.ascendente = porEmision == f.porEmision && !f.ascendente;
+        f.porEmision = porEmision;
+    }
     const qint32 elegida = ordenSeleccionada();
     if (!swallowErrors([&] { m_modelo->ponFiltro(f); }))
         statusBar()->showMessage(QStringLiteral("No se pudo leer la lista de órdenes."));

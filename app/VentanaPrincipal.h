@@ -52,7 +52,8 @@ private:
     void creaMenus();
     QWidget *creaFiltros();
     // Reads the list under what the filter bar holds; giraOrden turns the order.
-    void aplicaFiltro(bool giraOrden);
+    // columna: the caption clicked, which orders the list (again: the other way).
+    void aplicaFiltro(int columna = -1);
     void ajustaAcciones();
     void ajustaPorRol();
     // Calls a member of the component by name inside an error boundary, then

@@ -176,11 +176,13 @@ const char *const kIndices[] = {
 };
 
 // Indexes that keep the screens over years of history as fast as over a
-// month: the main window's list of orders not closed, newest first, and the
-// month roster's schedules by date. Every opening makes sure they exist, so
-// a database of any version gets them.
+// month: the main window's list of orders (not closed or all, by number or
+// by date of issue), and the month roster's schedules by date. Every opening makes sure they exist,
+// so a database of any version gets them.
 const char *const kIndicesHistoria[] = {
     "CREATE INDEX IF NOT EXISTS op_cerrado_op ON op (cerrado, op)",
+    "CREATE INDEX IF NOT EXISTS op_cerrado_emision ON op (cerrado, f_emision, op)",
+    "CREATE INDEX IF NOT EXISTS op_emision ON op (f_emision, op)",
     "CREATE INDEX IF NOT EXISTS horarios_fecha ON horarios (fecha, Empleado, turno)",
 };
 

@@ -2,6 +2,7 @@
 
 #include "app/Componente.h"
 #include "app/DialogoKit.h"
+#include "app/ModeloOrdenes.h"
 #include "app/VentanaPrincipal.h"
 #include "tests/support/BaseDePrueba.h"
 #include "tests/support/InteraccionGuionada.h"
@@ -61,6 +62,18 @@ private slots:
         QTRY_COMPARE(columna(0), "2|1|");
         hasta->setDate(hasta->minimumDate());
         QTRY_COMPARE(columna(0), "3|2|1|");
+        // By the date of issue, newest first, a missing date last; again, the other way.
+        base.ejecuta("UPDATE op SET f_emision = '2024-05-10' WHERE op = 1");
+        base.ejecuta("UPDATE op SET f_emision = NULL WHERE op = 2");
+        auto *cabecera = lista->horizontalHeader();
+        for (const auto &[seccion, esperado] :
+             {std::pair{2, "1|3|2|"}, {2, "2|3|1|"}, {0, "3|2|1|"}}) {
+            emit cabecera->sectionClicked(seccion);
+            QCOMPARE(columna(0), esperado);
+            QCOMPARE(cabecera->sortIndicatorSection(), seccion);
+        }
+        base.ejecuta("UPDATE op SET f_emision = '2024-05-02' WHERE op = 1");
+        base.ejecuta("UPDATE op SET f_emision = '2024-05-03' WHERE op = 2");
 
         QVERIFY(ventana.seleccionaOrden(3));
         guion->respuestas({true, false, true});
@@ -81,6 +94,38 @@ private slots:
         QCOMPARE(base.escalar(movimientos).toInt(), antes);
         QCOMPARE(guion->preguntas().size(), 5); // one to cancel, one per delivery, one "again"
         QVERIFY(guion->preguntas().last().contains("ya tiene 2 entrada(s)"));
+    }
+
+    // Page after page, by number or by date either way, the list is the database's order,
+    // missing dates included.
+    void paginas()
+    {
+        pruebas::BaseDePrueba base;
+        for (int i = 10; i < 520; ++i)
+            base.ejecuta(QStringLiteral("INSERT INTO op (op, f_emision) VALUES (%1, %2)")
+                             .arg(i)
+                             .arg(i % 7 ? QStringLiteral("'2024-06-%1'").arg(i % 13 + 10)
+                                        : QStringLiteral("NULL")));
+        app::ModeloOrdenes modelo(base.conexion());
+        for (const bool porEmision : {false, true})
+            for (const bool ascendente : {false, true}) {
+                app::FiltroOrdenes f;
+                f.estado = app::FiltroOrdenes::Estado::Todas;
+                f.porEmision = porEmision;
+                f.ascendente = ascendente;
+                modelo.ponFiltro(f);
+                while (modelo.canFetchMore({}))
+                    modelo.fetchMore({});
+                QStringList ops;
+                for (int r = 0; r < modelo.rowCount(); ++r)
+                    ops << QString::number(modelo.orden(r));
+                const QString sentido = ascendente ? " ASC" : " DESC";
+                QCOMPARE(ops.join(' '),
+                         base.filas("SELECT op FROM op ORDER BY " +
+                                    (porEmision ? "f_emision" + sentido + ", " : QString()) + "op" +
+                                    sentido)
+                             .join(' '));
+            }
     }
 
     // The kit dialog refuses what every other door refuses, and says why; what it lets through

@@ -6,6 +6,7 @@
 //   principal  the main window's first screen (built, shown, painted)
 //   refresco   the list after an order's editor closes (what SetFocus does),
 //              the median of 21
+//   fecha      the list of every order by date of issue, scrolled two pages
 //   f2         the article lookup opening on the first page
 //   tecla      each key typed into the lookup's search box (the slowest key)
 //   rol        the month roster of every employee, read and written as PDF
@@ -20,12 +21,13 @@
 //
 // Usage: bench_escala [--factores 10,100,1000] [--ordenes 1000]
 //                     [--articulos 1000] [--empleados 10]
-//                     [--operaciones principal,refresco,f2,tecla,rol]
+//                     [--operaciones principal,refresco,fecha,f2,tecla,rol]
 //                     [--carpeta /dev/shm | --mariadb mariadb://root@127.0.0.1:PORT/]
 //
 // BENCH_ESCALA_DETALLE=1 prints each key's time and the roster's reading
 // time; BENCH_ESCALA_CONSERVA=1 keeps the databases for a look afterwards.
 
+#include "app/ModeloOrdenes.h"
 #include "app/VentanaPrincipal.h"
 #include "bench/Silencio.h"
 #include "host/base/Sesion.h"
@@ -36,9 +38,11 @@
 #include "runtime/Error.h"
 
 #include <QApplication>
+#include <QComboBox>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
+#include <QHeaderView>
 #include <QLineEdit>
 #include <QMap>
 #include <QProcess>
@@ -355,6 +359,29 @@ Medida principal(const QString &ruta, bool refresco)
     return veces.at(veces.size() / 2);
 }
 
+// The list of every order ordered by the date of issue (a click on its
+// caption), then scrolled two pages further down.
+Medida porFecha(const QString &ruta)
+{
+    auto sesion = abre(ruta);
+    app::VentanaPrincipal ventana(*sesion, nullptr);
+    pinta(ventana);
+    auto *lista = ventana.findChild<QTableView *>(QStringLiteral("lstOrdenes"));
+    auto *estado = ventana.findChild<QComboBox *>(QStringLiteral("cmbEstado"));
+    if (!lista || !estado)
+        throw Error(QStringLiteral("La ventana principal no tiene su lista de órdenes."));
+    // Every order, so that each size has the three pages to read.
+    estado->setCurrentText(QStringLiteral("Todas"));
+    return mide([&] {
+        emit lista->horizontalHeader()->sectionClicked(app::ModeloOrdenes::ColEmision);
+        for (int i = 0; i < 2 && lista->model()->canFetchMore({}); ++i)
+            lista->model()->fetchMore({});
+        lista->scrollToBottom();
+        lista->repaint();
+        QCoreApplication::processEvents();
+    });
+}
+
 // The lookup opened through the host's service, as the editor's F2 does; the
 // dialog is measured from inside once it is up, then typed into.
 Medida busca(const QString &ruta, bool teclas)
@@ -419,6 +446,8 @@ int midUna(const QString &operacion, const QString &ruta)
         m = principal(ruta, operacion == QLatin1String("refresco"));
     else if (operacion == QLatin1String("f2") || operacion == QLatin1String("tecla"))
         m = busca(ruta, operacion == QLatin1String("tecla"));
+    else if (operacion == QLatin1String("fecha"))
+        m = porFecha(ruta);
     else if (operacion == QLatin1String("rol"))
         m = rol(ruta);
     else
@@ -444,7 +473,7 @@ int corre(const QStringList &a)
     const QStringList factores =
         argumento(a, "--factores", QStringLiteral("10,100,1000")).split(QLatin1Char(','));
     const QStringList operaciones =
-        argumento(a, "--operaciones", QStringLiteral("principal,refresco,f2,tecla,rol"))
+        argumento(a, "--operaciones", QStringLiteral("principal,refresco,fecha,f2,tecla,rol"))
             .split(QLatin1Char(','));
     const QDir carpeta(argumento(a, "--carpeta", QStringLiteral("/dev/shm")));
     // A server's address ("mariadb://root@127.0.0.1:PORT/") measures there.

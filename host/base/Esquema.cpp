@@ -373,6 +373,12 @@ QString sinAcentosDeBusqueda(QString texto)
     return texto;
 }
 
+bool hayBusquedaArticulos(const QSqlDatabase &db)
+{
+    return motorDe(db) == Motor::SQLite &&
+           db.tables().contains(QLatin1String(kBusquedaArticulos), Qt::CaseInsensitive);
+}
+
 void aseguraBusquedaArticulos(const QSqlDatabase &db, Motor motor)
 {
     if (motor != Motor::SQLite)

@@ -63,6 +63,10 @@ void creaEsquema(const QSqlDatabase &db, Motor motor);
 // numbered as the rows of prods. MariaDB searches the columns themselves.
 inline constexpr const char *kBusquedaArticulos = "prods_busqueda";
 
+// Whether the database searches the articles through that index (SQLite,
+// the index made).
+bool hayBusquedaArticulos(const QSqlDatabase &db);
+
 // A search's words with the accents the index folds taken off.
 QString sinAcentosDeBusqueda(QString texto);
 

@@ -204,14 +204,13 @@ QString condicionBusqueda(const QSqlDatabase &db, const QStringList &columnas,
 QString condicionBusquedaArticulos(const QSqlDatabase &db, const QString &numero,
                                    const QStringList &columnas, const QString &busqueda)
 {
-    if (motorDe(db) != Motor::SQLite ||
-        !db.tables().contains(QLatin1String(kBusquedaArticulos), Qt::CaseInsensitive))
+    if (!hayBusquedaArticulos(db))
         return condicionBusqueda(db, columnas, busqueda);
     const BusquedaEnIndice b(busqueda);
     if (b.vacia())
         return {};
     return QStringLiteral("%1 IN (SELECT rowid FROM %2 WHERE %3)")
-        .arg(numero, QLatin1String(kBusquedaArticulos), b.condicionLiteral());
+        .arg(numero, QLatin1String(kBusquedaArticulos), b.condicion(true));
 }
 
 } // namespace zuvi::anfitrion::datos

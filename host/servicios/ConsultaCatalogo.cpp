@@ -38,14 +38,17 @@ BusquedaEnIndice::BusquedaEnIndice(const QString &texto)
     piezas = frases.join(QLatin1Char(' '));
 }
 
-QString BusquedaEnIndice::condicion() const
+QString BusquedaEnIndice::condicion(bool literales) const
 {
+    const auto valor = [literales](const QString &v) {
+        return literales ? literalSql(v, Motor::SQLite) : QStringLiteral("?");
+    };
     const QString indice = QLatin1String(kBusquedaArticulos);
     QStringList l;
     if (!piezas.isEmpty())
-        l << indice + QStringLiteral(" MATCH ?");
-    for (qsizetype i = 0; i < cortas.size(); ++i)
-        l << indice + QStringLiteral(".texto LIKE ? ESCAPE '\\'");
+        l << indice + QStringLiteral(" MATCH ") + valor(piezas);
+    for (const QString &c : cortas)
+        l << indice + QStringLiteral(".texto LIKE %1 ESCAPE '\\'").arg(valor(c));
     return l.join(QStringLiteral(" AND "));
 }
 
@@ -57,17 +60,6 @@ QVariantList BusquedaEnIndice::valores() const
     for (const QString &c : cortas)
         v << c;
     return v;
-}
-
-QString BusquedaEnIndice::condicionLiteral() const
-{
-    QString sql = condicion();
-    const QString marca = QStringLiteral("?");
-    for (const QVariant &v : valores()) {
-        const qsizetype i = sql.indexOf(marca);
-        sql.replace(i, 1, literalSql(v, Motor::SQLite));
-    }
-    return sql;
 }
 
 ConsultaCatalogo::ConsultaCatalogo(const DefinicionCatalogo &catalogo, const QString &filtro,
@@ -90,8 +82,7 @@ ConsultaCatalogo::ConsultaCatalogo(const DefinicionCatalogo &catalogo, const QSt
     m_total = qMin(m_total, kCuenta);
     // Without its full-text index (it could not be made) SQLite searches the
     // columns as MariaDB does, only slower and with accents as typed.
-    m_indice = motorDe(m_db) == Motor::SQLite &&
-               m_db.tables().contains(QLatin1String(kBusquedaArticulos), Qt::CaseInsensitive);
+    m_indice = hayBusquedaArticulos(m_db);
 }
 
 QString ConsultaCatalogo::columnas(const QString &prefijo) const

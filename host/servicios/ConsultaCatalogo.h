@@ -28,11 +28,10 @@ struct BusquedaEnIndice
 {
     explicit BusquedaEnIndice(const QString &texto = {});
     bool vacia() const { return piezas.isEmpty() && cortas.isEmpty(); }
-    // The condition on the index's rows, with its values as placeholders or
-    // written in.
-    QString condicion() const;
+    // The condition on the index's rows, with its values as placeholders
+    // (valores() in their order) or written in.
+    QString condicion(bool literales = false) const;
     QVariantList valores() const;
-    QString condicionLiteral() const;
 
     QString piezas;     // the index's query: "orn" "acer"
     QStringList cortas; // LIKE patterns: %m4%

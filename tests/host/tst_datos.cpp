@@ -222,6 +222,17 @@ private Q_SLOTS:
                                 " ORDER BY moneda"),
                      b.monedas);
         }
+        // The articles' windows search through the index on SQLite; a "?" or a quote typed is
+        // searched as such.
+        for (const auto &[busqueda, articulos] :
+             {std::pair{"ORNILL", QStringList{"PAQ-TORN", "TORN-01"}},
+              {"ornil 1/4\"", {"TORN-01"}},
+              {"a?' ? ornil", {}}}) {
+            const QString donde = condicionBusquedaArticulos(
+                base.conexion(), "rowid", {"articulo", "descrip"}, QString::fromUtf8(busqueda));
+            QCOMPARE(base.filas("SELECT articulo FROM prods WHERE " + donde + " ORDER BY articulo"),
+                     articulos);
+        }
         QVERIFY(!usos(base.conexion(), QStringLiteral("almacenes"), 1).isEmpty());
         QVERIFY(
             usos(base.conexion(), QStringLiteral("articulos"), QStringLiteral("NO-HAY")).isEmpty());
